@@ -1,0 +1,329 @@
+#include "QRMUtils/XML/DOMInterface/QRMIDOM_Parser.h"
+
+#include <algorithm>
+#include <limits>
+#include <memory>
+
+#include <xercesc/dom/DOM.hpp>
+#include <xercesc/framework/LocalFileInputSource.hpp>
+#include <xercesc/framework/MemBufInputSource.hpp>
+#include <xercesc/framework/URLInputSource.hpp>
+#include <xercesc/parsers/XercesDOMParser.hpp>
+#include <xercesc/sax/ErrorHandler.hpp>
+#include <xercesc/sax/SAXParseException.hpp>
+#include <xercesc/util/PlatformUtils.hpp>
+#include <xercesc/util/SecurityManager.hpp>
+#include <xercesc/util/XMLEntityResolver.hpp>
+#include <xercesc/util/XMLExceptMsgs.hpp>
+#include <xercesc/util/XMLResourceIdentifier.hpp>
+#include <xercesc/util/XMLString.hpp>
+#include <xercesc/util/XMLStringTokenizer.hpp>
+#include <xercesc/util/XMLURL.hpp>
+
+#include "QRMUtils/XML/DOMInterface/QRMIDOM_XercesHelper.h"
+#include "QRMUtils/XML/DOMInterface/QRMISAX_Parser.h"
+#include "QRMUtils/XML/DOMInterface/WQSStreamInputSource.h"
+#include "QRMUtils/XML/DOMInterface/internal/Sharing.h"
+#include "WQSStreams/WQSFileInputStream.h"
+
+using xercesc::InputSource;
+using xercesc::SAXParseException;
+using xercesc::XercesDOMParser;
+using xercesc::XMLPlatformUtils;
+using xercesc::XMLResourceIdentifier;
+using xercesc::XMLString;
+
+namespace {
+
+constexpr int kParseError = -1;
+constexpr int kCacheGrammars = 1;
+
+int narrowed(XMLFileLoc position)
+{
+    return static_cast<int>(std::min<XMLFileLoc>(position, std::numeric_limits<int>::max()));
+}
+
+} // namespace
+
+/// The Xerces parser, with what its settings need to live as long as it does.
+class DOM_ParserImpl : public XercesDOMParser, private xercesc::XMLEntityResolver
+{
+public:
+    DOM_ParserImpl() : XercesDOMParser(nullptr, XMLPlatformUtils::fgMemoryManager, nullptr) {}
+    ~DOM_ParserImpl() override = default;
+
+    void takeSettings(const DOM_ParserImpl& other)
+    {
+        setValidationScheme(other.getValidationScheme());
+        setLoadExternalDTD(other.getLoadExternalDTD());
+        setDoSchema(other.getDoSchema());
+        setExternalSchemaLocation(other.getExternalSchemaLocation());
+        setExternalNoNamespaceSchemaLocation(other.getExternalNoNamespaceSchemaLocation());
+        refuseExternal(other.getDisableDefaultEntityResolution());
+        limitExpansions(other.m_expansionLimit);
+    }
+
+    void refuseExternal(bool refuse)
+    {
+        setDisableDefaultEntityResolution(refuse);
+        setXMLEntityResolver(refuse ? this : nullptr);
+    }
+
+    void limitExpansions(unsigned int limit)
+    {
+        m_expansionLimit = limit;
+        m_securityManager.setEntityExpansionLimit(limit);
+        setSecurityManager(limit != 0 ? &m_securityManager : nullptr);
+    }
+
+    /// Set when Xerces ran out of memory in a parse. It then takes every later parse for a nested one.
+    bool isSpent = false;
+
+private:
+    /// Asked only while external resources are refused: opens the schemas that the caller named and those that these
+    /// include. Null refuses.
+    InputSource* resolveEntity(XMLResourceIdentifier* resource) override
+    {
+        switch (resource->getResourceIdentifierType()) {
+        case XMLResourceIdentifier::SchemaGrammar:
+            return isNamedSchema(resource->getSystemId()) ? open(*resource) : nullptr;
+        case XMLResourceIdentifier::SchemaImport:
+        case XMLResourceIdentifier::SchemaInclude:
+        case XMLResourceIdentifier::SchemaRedefine: return open(*resource);
+        default: return nullptr;
+        }
+    }
+
+    bool isNamedSchema(const XMLCh* location) const
+    {
+        if (XMLString::equals(location, getExternalNoNamespaceSchemaLocation())) {
+            return true;
+        }
+        if (getExternalSchemaLocation() == nullptr) {
+            return false;
+        }
+        xercesc::XMLStringTokenizer pairs(getExternalSchemaLocation());
+        while (pairs.nextToken() != nullptr) {
+            if (XMLString::equals(location, pairs.nextToken())) {
+                return true;
+            }
+        }
+        return false;
+    }
+
+    static InputSource* open(const XMLResourceIdentifier& resource)
+    {
+        xercesc::XMLURL url;
+        if (url.setURL(resource.getBaseURI(), resource.getSystemId(), url) && !url.isRelative()) {
+            return new xercesc::URLInputSource(url);
+        }
+        return new xercesc::LocalFileInputSource(resource.getBaseURI(), resource.getSystemId());
+    }
+
+    xercesc::SecurityManager m_securityManager;
+    unsigned int m_expansionLimit = 0;
+};
+
+/// Ends the parse at the first error by throwing it; QRMIDOM_Parser::parse() records it.
+class ErrorHandlerImpl : public xercesc::ErrorHandler
+{
+public:
+    void warning(const SAXParseException&) override {}
+    [[noreturn]] void error(const SAXParseException& exception) override
+    {
+        throw SAXParseException(exception);
+    }
+    [[noreturn]] void fatalError(const SAXParseException& exception) override
+    {
+        throw SAXParseException(exception);
+    }
+    void resetErrors() override {}
+};
+
+namespace {
+
+std::unique_ptr<DOM_ParserImpl> makeParser(int grammarCaching, ErrorHandlerImpl* errorHandler,
+                                           QRMFileLocation site)
+{
+    std::unique_ptr<DOM_ParserImpl> parser(qrm::allocated(site, [] { return new DOM_ParserImpl; }));
+    parser->setErrorHandler(errorHandler);
+    parser->setDoNamespaces(true);
+    parser->setIncludeIgnorableWhitespace(true);
+    if (grammarCaching == kCacheGrammars) {
+        parser->cacheGrammarFromParse(true);
+        parser->useCachedGrammarInParse(true);
+    }
+    return parser;
+}
+
+} // namespace
+
+QRMIDOM_Parser::QRMIDOM_Parser(int grammarCaching) : m_grammarCaching(grammarCaching)
+{
+    std::unique_ptr<ErrorHandlerImpl> errorHandler(
+        qrm::allocated(QRM_SITE(62), [] { return new (std::nothrow) ErrorHandlerImpl; }));
+    m_parserImpl = makeParser(grammarCaching, errorHandler.get(), QRM_SITE(61)).release();
+    m_errorHandler = errorHandler.release();
+}
+
+QRMIDOM_Parser::~QRMIDOM_Parser()
+{
+    qrm::silently([this] {
+        delete m_errorHandler;
+        m_errorHandler = nullptr;
+        delete m_parserImpl;
+        m_parserImpl = nullptr;
+    });
+}
+
+int QRMIDOM_Parser::parse(const char* fileName, QRMIDOM_Document& doc)
+{
+    if (fileName == nullptr) {
+        return 0;
+    }
+    WQSFileInputStream file(fileName);
+    return file.isOpen() ? parse(file, doc) : 0;
+}
+
+int QRMIDOM_Parser::parse(const char* buffer, int length, QRMIDOM_Document& doc)
+{
+    if (buffer == nullptr || length <= 0 || *buffer == 0) {
+        return 0;
+    }
+    xercesc::MemBufInputSource source(reinterpret_cast<const XMLByte*>(buffer),
+                                      static_cast<XMLSize_t>(length), "", false,
+                                      XMLPlatformUtils::fgMemoryManager);
+    return parse(source, doc);
+}
+
+int QRMIDOM_Parser::parse(std::istream& in, QRMIDOM_Document& doc)
+{
+    StreamInputSource source(in);
+    return parse(source, doc);
+}
+
+int QRMIDOM_Parser::parse(WQSInputStream& in, QRMIDOM_Document& doc)
+{
+    WQSStreamInputSource source(in);
+    return parse(source, doc);
+}
+
+int QRMIDOM_Parser::parse(InputSource& src, QRMIDOM_Document& doc)
+{
+    QRM_ASSERT_AT(194, m_parserImpl);
+    replaceSpentParser();
+
+    int result = 1;
+    try {
+        m_parserImpl->parse(src);
+    } catch (const xercesc::DOMException&) {
+        result = recordFailure(kParseError);
+    } catch (const SAXParseException& error) {
+        m_columnNumber = narrowed(error.getColumnNumber());
+        result = recordFailure(kParseError, narrowed(error.getLineNumber()), error.getMessage());
+    } catch (const xercesc::XMLException& error) {
+        result = recordFailure(error.getCode(), narrowed(error.getSrcLine()), error.getMessage());
+        if (error.getCode() == xercesc::XMLExcepts::Gen_ParseInProgress) {
+            // Called from within a parse of this very parser, which still needs the document that it is building.
+            doc = QRMIDOM_Document();
+            return result;
+        }
+    } catch (const xercesc::OutOfMemoryException&) {
+        m_parserImpl->isSpent = true;
+        qrm::raiseXercesOutOfMemory(QRM_SITE(223));
+    } catch (...) {
+        result = recordFailure(kParseError);
+    }
+
+    QRMIDOM_Document parsed;
+    if (m_parserImpl->getDocument() != nullptr) {
+        qrm::Sharing::adopt(
+            parsed, [this] { return m_parserImpl->adoptDocument(); }, QRM_SITE_HERE);
+    }
+    doc = parsed;
+    reset();
+    return result;
+}
+
+int QRMIDOM_Parser::recordFailure(int code)
+{
+    m_errorCode = code;
+    return 0;
+}
+
+int QRMIDOM_Parser::recordFailure(int code, int line, const XMLCh* text)
+{
+    m_lineNumber = line;
+    QRMIDOM_XercesHelper::DOMStringToI18NString(text, m_errorText);
+    return recordFailure(code);
+}
+
+/// Puts a new Xerces parser with the same settings in the place of one that ran out of memory.
+void QRMIDOM_Parser::replaceSpentParser()
+{
+    if (m_parserImpl->isSpent) {
+        auto fresh = makeParser(m_grammarCaching, m_errorHandler, QRM_SITE_HERE);
+        fresh->takeSettings(*m_parserImpl);
+        delete m_parserImpl;
+        m_parserImpl = fresh.release();
+    }
+}
+
+int QRMIDOM_Parser::getDoValidation() const
+{
+    return m_parserImpl->getValidationScheme() == XercesDOMParser::Val_Always ? 1 : 0;
+}
+
+void QRMIDOM_Parser::setDoValidation(int flag)
+{
+    m_parserImpl->setValidationScheme(flag != 0 ? XercesDOMParser::Val_Always : XercesDOMParser::Val_Never);
+}
+
+void QRMIDOM_Parser::setLoadExternalDTD(int flag)
+{
+    m_parserImpl->setLoadExternalDTD(flag != 0);
+}
+
+int QRMIDOM_Parser::getDoSchema() const
+{
+    return m_parserImpl->getDoSchema() ? 1 : 0;
+}
+
+void QRMIDOM_Parser::setDoSchema(int flag)
+{
+    m_parserImpl->setDoSchema(flag != 0);
+}
+
+void QRMIDOM_Parser::setExternalSchemaLocation(const char* schemaLocation)
+{
+    m_parserImpl->setExternalSchemaLocation(schemaLocation);
+}
+
+void QRMIDOM_Parser::setExternalNoNamespaceSchemaLocation(const char* schemaLocation)
+{
+    m_parserImpl->setExternalNoNamespaceSchemaLocation(schemaLocation);
+}
+
+void QRMIDOM_Parser::setRefuseExternal(int flag)
+{
+    m_parserImpl->refuseExternal(flag != 0);
+}
+
+void QRMIDOM_Parser::setEntityExpansionLimit(unsigned int limit)
+{
+    m_parserImpl->limitExpansions(limit);
+}
+
+void QRMIDOM_Parser::reset()
+{
+    if (m_grammarCaching != kCacheGrammars) {
+        return;
+    }
+    QRM_ASSERT_AT(182, m_parserImpl);
+    replaceSpentParser();
+    m_parserImpl->resetCachedGrammarPool();
+    m_parserImpl->resetEntities();
+    m_parserImpl->resetDocumentPool();
+    m_parserImpl->resetErrors();
+    m_parserImpl->AbstractDOMParser::reset();
+}

@@ -1,0 +1,193 @@
+#include "QRMUtils/XML/DOMInterface/internal/TextOutput.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <limits>
+
+#include "QRMCore/I18NConverter.h"
+#include "QRMCore/I18NString.h"
+#include "QRMCore/QRMThrowable.h"
+#include "QRMUtils/XML/DOMInterface/QRMIDOM_Helper.h"
+#include "QRMUtils/XML/DOMInterface/QRMIDOM_XercesHelper.h"
+#include "QRMUtils/XML/DOMInterface/internal/Guards.h"
+
+namespace qrm {
+
+namespace {
+
+struct Entity
+{
+    const char* text;
+    int length;
+};
+
+/// The entity that stands for a byte; null where the byte stands for itself.
+const Entity* entityFor(char byte)
+{
+    static constexpr Entity kLess = {"&lt;", 4};
+    static constexpr Entity kGreater = {"&gt;", 4};
+    static constexpr Entity kAmpersand = {"&amp;", 5};
+    static constexpr Entity kApostrophe = {"&apos;", 6};
+    static constexpr Entity kQuote = {"&quot;", 6};
+    switch (byte) {
+    case '<': return &kLess;
+    case '>': return &kGreater;
+    case '&': return &kAmpersand;
+    case '\'': return &kApostrophe;
+    case '"': return &kQuote;
+    default: return nullptr;
+    }
+}
+
+/// The character at the index, which is the first that an encoding cannot express; 0 for half of a surrogate pair,
+/// which no reference can stand for either.
+char32_t characterAt(const I18NString& text, int index)
+{
+    const char16_t unit = text.charAt(index);
+    if (unit < 0xD800 || unit > 0xDFFF) {
+        return unit;
+    }
+    const char16_t next = text.charAt(index + 1);
+    if (unit > 0xDBFF || next < 0xDC00 || next > 0xDFFF) {
+        return 0;
+    }
+    return 0x10000 + ((static_cast<char32_t>(unit) - 0xD800) << 10) + (static_cast<char32_t>(next) - 0xDC00);
+}
+
+void writeReference(DomWriter& writer, char32_t character)
+{
+    char reference[sizeof "&#1114111;"];
+    const int length =
+        std::snprintf(reference, sizeof reference, "&#%lu;", static_cast<unsigned long>(character));
+    writer.write(reference, length);
+}
+
+/// The escaped write of a text that the encoding cannot express as a whole. The references take the place that
+/// entities have in the sequence of writes.
+void writeWithReferences(DomWriter& writer, const char* encoding, const I18NString& text)
+{
+    const I18NConverter converter(encoding);
+    int start = 0;
+    for (;;) {
+        const int index = converter.firstUnexpressible(text, start);
+        const int end = index >= 0 ? index : text.length();
+        const I18NString piece = text.substring(start, end - start);
+        const std::unique_ptr<char[]> bytes(
+            piece.toBytes(converter, nullptr, QRMI18NStringAllocator, nullptr));
+        writeEscaped(writer, bytes.get(), std::strlen(bytes.get()));
+        if (index < 0) {
+            return;
+        }
+        const char32_t character = characterAt(text, index);
+        writeReference(writer, character);
+        start = index + (character > 0xFFFF ? 2 : 1);
+    }
+}
+
+/// Whether references can stand for all that the encoding cannot express.
+bool referencesHelp(const char* encoding, const I18NString& text)
+{
+    const I18NConverter converter(encoding);
+    int index = converter.firstUnexpressible(text);
+    const bool any = index >= 0;
+    while (index >= 0) {
+        const char32_t character = characterAt(text, index);
+        if (character == 0) {
+            return false;
+        }
+        index = converter.firstUnexpressible(text, index + (character > 0xFFFF ? 2 : 1));
+    }
+    return any;
+}
+
+/// Runs the conversion; where the encoding cannot express the text but references help, writes it with them instead
+/// and gives null. Nothing has been written when it throws.
+template <class Convert, class Text>
+char* convertOrRefer(DomWriter& writer, const char* encoding, Unexpressible policy, Convert&& convert,
+                     Text&& text)
+{
+    try {
+        return convert();
+    } catch (const I18NConversionError&) {
+        if (policy == Unexpressible::kError) {
+            throw;
+        }
+        const I18NString units = text();
+        if (!referencesHelp(encoding, units)) {
+            throw;
+        }
+        writeWithReferences(writer, encoding, units);
+        return nullptr;
+    }
+}
+
+} // namespace
+
+void* ScratchMemory::allocate(void* scratch, std::size_t bytes)
+{
+    auto& memory = *static_cast<ScratchMemory*>(scratch);
+    if (bytes > memory.m_capacity) {
+        const std::size_t capacity = std::max<std::size_t>({bytes, 2 * memory.m_capacity, 1024});
+        memory.m_bytes.reset(new char[capacity]);
+        memory.m_capacity = capacity;
+    }
+    return memory.m_bytes.get();
+}
+
+void writeEscaped(DomWriter& writer, const char* text, std::size_t length)
+{
+    QRM_ASSERT(length <= static_cast<std::size_t>(std::numeric_limits<int>::max()));
+    int position = 0;
+    const int end = static_cast<int>(length);
+    for (;;) {
+        const int special = QRMIDOM_Helper::findSpecialChar(text, position, end);
+        if (special < 0) {
+            writer.write(text + position, end - position);
+            return;
+        }
+        writer.write(text + position, special - position);
+        const Entity* const entity = entityFor(text[special]);
+        writer.write(entity->text, entity->length);
+        position = special + 1;
+    }
+}
+
+void writeEscaped(DomWriter& writer, const I18NString& text, Unexpressible policy)
+{
+    const char* const encoding = writer.getOutputEncoding();
+    const std::unique_ptr<char[]> bytes(convertOrRefer(
+        writer, encoding, policy,
+        [&] { return text.toBytes(encoding, nullptr, QRMI18NStringAllocator, nullptr); },
+        [&] { return text; }));
+    if (bytes != nullptr) {
+        writeEscaped(writer, bytes.get(), std::strlen(bytes.get()));
+    }
+}
+
+void writeRaw(DomWriter& writer, const I18NString& text)
+{
+    const I18NConverter converter(writer.getOutputEncoding());
+    int length = 0;
+    const std::unique_ptr<char[]> bytes(text.toBytes(converter, &length, QRMI18NStringAllocator, nullptr));
+    writer.write(bytes.get(), length - converter.sizeofLegacyNull());
+}
+
+void TextOutput::escaped(const XMLCh* text, Unexpressible policy)
+{
+    const char* const encoding = m_writer.getOutputEncoding();
+    const char* const bytes = convertOrRefer(
+        m_writer, encoding, policy,
+        [&] { return I18NConverter(encoding).fromUnicode(text, ScratchMemory::allocate, &m_scratch); },
+        [&] { return QRMIDOM_XercesHelper::DOMStringToI18NString(text); });
+    if (bytes != nullptr) {
+        writeEscaped(m_writer, bytes, std::strlen(bytes));
+    }
+}
+
+void TextOutput::raw(const XMLCh* text)
+{
+    writeRaw(m_writer, QRMIDOM_XercesHelper::DOMStringToI18NString(text));
+}
+
+} // namespace qrm

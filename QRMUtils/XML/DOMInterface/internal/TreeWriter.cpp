@@ -1,0 +1,144 @@
+#include "QRMUtils/XML/DOMInterface/internal/TreeWriter.h"
+
+#include <cstring>
+
+using namespace xercesc;
+
+namespace qrm {
+
+void TreeWriter::write(const DOMNode* root)
+{
+    const DOMNode* node = root;
+    for (;;) {
+        if (open(node)) {
+            if (const DOMNode* const child = node->getFirstChild()) {
+                node = child;
+                continue;
+            }
+            close(node);
+        }
+        while (node != root && node->getNextSibling() == nullptr) {
+            node = node->getParentNode();
+            close(node);
+        }
+        if (node == root) {
+            return;
+        }
+        node = node->getNextSibling();
+    }
+}
+
+/// Writes what comes before a node's children, or all of a node that is written without children.
+/// @return whether children and close() are to follow
+bool TreeWriter::open(const DOMNode* node)
+{
+    switch (node->getNodeType()) {
+    case DOMNode::ELEMENT_NODE: return openElement(node);
+    case DOMNode::TEXT_NODE: content(node->getNodeValue()); return false;
+    case DOMNode::CDATA_SECTION_NODE:
+        literal("<![CDATA[");
+        m_text.raw(node->getNodeValue());
+        literal("]]>");
+        return false;
+    case DOMNode::ENTITY_REFERENCE_NODE:
+        literal("&");
+        strict(node->getNodeName());
+        literal(";");
+        return false;
+    case DOMNode::ENTITY_NODE: writeEntity(static_cast<const DOMEntity&>(*node)); return false;
+    case DOMNode::PROCESSING_INSTRUCTION_NODE: writeProcessingInstruction(node); return false;
+    case DOMNode::COMMENT_NODE:
+        literal("<!--");
+        strict(node->getNodeValue());
+        literal("-->");
+        return false;
+    case DOMNode::DOCUMENT_NODE: {
+        const char* const header = m_writer.getXMLHeader();
+        m_text.literal(header, static_cast<int>(std::strlen(header)));
+        return true;
+    }
+    case DOMNode::DOCUMENT_TYPE_NODE:
+        writeDocumentType(static_cast<const DOMDocumentType&>(*node));
+        return false;
+    default: return false;
+    }
+}
+
+void TreeWriter::close(const DOMNode* node)
+{
+    if (node->getNodeType() == DOMNode::DOCUMENT_NODE) {
+        m_writer.endline();
+    } else {
+        literal("</");
+        strict(node->getNodeName());
+        literal(">");
+    }
+}
+
+bool TreeWriter::openElement(const DOMNode* element)
+{
+    literal("<");
+    strict(element->getNodeName());
+    writeAttributes(element);
+    if (element->hasChildNodes()) {
+        literal(">");
+        return true;
+    }
+    literal("/>");
+    return false;
+}
+
+void TreeWriter::writeAttributes(const DOMNode* element)
+{
+    const DOMNamedNodeMap* const attributes = element->getAttributes();
+    const XMLSize_t count = attributes->getLength();
+    for (XMLSize_t i = 0; i < count; ++i) {
+        const auto* const attribute = static_cast<const DOMAttr*>(attributes->item(i));
+        if (attribute->getSpecified()) {
+            literal(" ");
+            strict(attribute->getNodeName());
+            literal("=\"");
+            content(attribute->getNodeValue());
+            literal("\"");
+        }
+    }
+}
+
+void TreeWriter::writeProcessingInstruction(const DOMNode* instruction)
+{
+    literal("<?");
+    strict(instruction->getNodeName());
+    const XMLCh* const data = instruction->getNodeValue();
+    if (data != nullptr && *data != 0) {
+        literal(" ");
+        strict(data);
+    }
+    literal("?>");
+}
+
+void TreeWriter::writeEntity(const DOMEntity& entity)
+{
+    literal("<!ENTITY ");
+    strict(entity.getNodeName());
+    optional(" PUBLIC \"", entity.getPublicId());
+    optional(" SYSTEM \"", entity.getSystemId());
+    optional(" NDATA \"", entity.getNotationName());
+    literal(">\n");
+}
+
+void TreeWriter::writeDocumentType(const DOMDocumentType& doctype)
+{
+    literal("<!DOCTYPE ");
+    strict(doctype.getName());
+    optional(" PUBLIC \"", doctype.getPublicId());
+    optional(" SYSTEM \"", doctype.getSystemId());
+    const XMLCh* const internalSubset = doctype.getInternalSubset();
+    if (internalSubset != nullptr && *internalSubset != 0) {
+        literal("[");
+        strict(internalSubset);
+        literal("]");
+    }
+    literal(">\n");
+}
+
+} // namespace qrm
