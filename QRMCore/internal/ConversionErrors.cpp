@@ -9,16 +9,18 @@ namespace qrm {
 
 namespace {
 
-std::string hex(const char* format, unsigned int value)
+std::string characterName(char32_t character)
 {
-    char digits[16];
-    std::snprintf(digits, sizeof digits, format, value);
-    return digits;
+    char name[16];
+    std::snprintf(name, sizeof name, "U+%04X", static_cast<unsigned int>(character));
+    return name;
 }
 
 std::string byteName(char byte)
 {
-    return hex("0x%02X", static_cast<unsigned char>(byte));
+    char name[8];
+    std::snprintf(name, sizeof name, "0x%02X", static_cast<unsigned int>(static_cast<unsigned char>(byte)));
+    return name;
 }
 
 [[noreturn]] void throwError(const std::string& text)
@@ -35,8 +37,8 @@ void throwUnknownEncoding(const char* name)
 
 void throwUnexpressible(const char* encoding, char32_t character, std::size_t index)
 {
-    throwError("cannot express " + hex("U+%04X", static_cast<unsigned int>(character)) + " in " + encoding
-               + " (unit " + std::to_string(index) + ")");
+    throwError("cannot express " + characterName(character) + " in " + encoding + " (unit "
+               + std::to_string(index) + ")");
 }
 
 void throwIllFormedAt(const char* encoding, char byte, std::size_t offset)
