@@ -4,7 +4,9 @@
 #include <xercesc/dom/DOMNode.hpp>
 
 #include "QRMCore/I18NString.h"
+#include "QRMCore/QRMThrowable.h"
 #include "QRMUtils/XML/DOMInterface/QRMIDOM_Api.h"
+#include "QRMUtils/XML/DOMInterface/QRMIDOM_DOMException.h"
 #include "QRMUtils/XML/DOMInterface/RefCounted_DOMNode.h"
 
 class QRMIDOM_Document;
