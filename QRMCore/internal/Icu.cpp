@@ -53,6 +53,14 @@ Codec codecOf(UConverter* converter)
     return Codec::kIcu;
 }
 
+/// Stops at every character that the encoding lacks. ICU's own callback for that drops soft hyphens and their like
+/// without a word.
+void stop(const void* /*context*/, UConverterFromUnicodeArgs* /*arguments*/, const UChar* /*units*/,
+          int32_t /*length*/, UChar32 /*character*/, UConverterCallbackReason /*reason*/,
+          UErrorCode* /*status*/)
+{
+}
+
 OpenConverter open(const char* name)
 {
     UErrorCode status = U_ZERO_ERROR;
@@ -60,7 +68,7 @@ OpenConverter open(const char* name)
     if (converter == nullptr || U_FAILURE(status)) {
         throwUnknownEncoding(name);
     }
-    ucnv_setFromUCallBack(converter.get(), UCNV_FROM_U_CALLBACK_STOP, nullptr, nullptr, nullptr, &status);
+    ucnv_setFromUCallBack(converter.get(), stop, nullptr, nullptr, nullptr, &status);
     ucnv_setToUCallBack(converter.get(), UCNV_TO_U_CALLBACK_STOP, nullptr, nullptr, nullptr, &status);
     const Codec codec = codecOf(converter.get());
     return {name, std::move(converter), codec};

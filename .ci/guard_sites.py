@@ -1,0 +1,19 @@
+"""Checks that no number of a guard stands twice in a source file: log readers tell guards by file and number."""
+
+import collections
+import pathlib
+import re
+import sys
+
+SITE = re.compile(r"\b(?:QRM_SITE|QRM_ASSERT_AT)\((\d+)")
+root = pathlib.Path(__file__).resolve().parent.parent
+
+failures = []
+guards = 0
+for source in sorted((root / "QRMUtils").rglob("*.cpp")):
+    numbers = collections.Counter(SITE.findall(source.read_text()))
+    guards += sum(numbers.values())
+    failures += [f"{source.relative_to(root)}: number {n} stands {count} times" for n, count in numbers.items() if count > 1]
+
+print("\n".join(failures) or f"{guards} numbered guards, each number once in its file")
+sys.exit(bool(failures) or guards == 0)
