@@ -1,3 +1,4 @@
+#!/bin/sh
 # pkg_config_consumer.sh SOURCE PROGRAM COMPILER RUNNER...: builds the program as a makefile would, and runs it.
 source=$1 program=$2 compiler=$3
 shift 3
