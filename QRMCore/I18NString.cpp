@@ -56,7 +56,7 @@ __attribute__((no_sanitize("address"))) std::size_t QRMI18NStringLength(const ch
     constexpr std::uintptr_t kBlock = sizeof(__m128i);
     const auto address = reinterpret_cast<std::uintptr_t>(text);
     const auto skipped = static_cast<unsigned int>(address % kBlock);
-    const auto* block = reinterpret_cast<const __m128i*>(address - skipped);
+    const auto* block = reinterpret_cast<const __m128i*>(reinterpret_cast<const char*>(text) - skipped);
     const __m128i zero = _mm_setzero_si128();
     const auto zerosIn = [&zero](const __m128i* units) __attribute__((no_sanitize("address")))
     {

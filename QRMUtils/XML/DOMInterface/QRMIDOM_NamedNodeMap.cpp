@@ -18,6 +18,7 @@ QRMIDOM_NamedNodeMap::~QRMIDOM_NamedNodeMap()
     qrm::silently([this] { Sharing::giveUp(m_refCountedNodeImpl); });
 }
 
+// NOLINTNEXTLINE(bugprone-unhandled-self-assignment): Sharing::assign says what that does
 QRMIDOM_NamedNodeMap& QRMIDOM_NamedNodeMap::operator=(const QRMIDOM_NamedNodeMap& other)
 {
     Sharing::assign(*this, other);

@@ -58,6 +58,7 @@ public:
     /// Leaves the old node and its share, and takes those of the other handle.
     /// @throws xercesc::DOMException 15 when the last share of a clone goes that has been put into a tree; this handle
     ///         then still holds its node, without the share
+    // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): equal holders are the second case
     QRMIDOM_Node& operator=(const QRMIDOM_Node& other)
     {
         if (m_refCountedNodeImpl != other.m_refCountedNodeImpl) {

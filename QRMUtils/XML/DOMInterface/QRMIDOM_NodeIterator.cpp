@@ -17,6 +17,7 @@ QRMIDOM_NodeIterator::~QRMIDOM_NodeIterator() noexcept(false)
     Sharing::giveUp(m_refCountedNodeImpl);
 }
 
+// NOLINTNEXTLINE(bugprone-unhandled-self-assignment): Sharing::assign says what that does
 QRMIDOM_NodeIterator& QRMIDOM_NodeIterator::operator=(const QRMIDOM_NodeIterator& other)
 {
     Sharing::assign(*this, other);

@@ -16,6 +16,7 @@ QRMIDOM_NodeList::~QRMIDOM_NodeList()
     qrm::silently([this] { Sharing::giveUp(m_refCountedNodeImpl); });
 }
 
+// NOLINTNEXTLINE(bugprone-unhandled-self-assignment): Sharing::assign says what that does
 QRMIDOM_NodeList& QRMIDOM_NodeList::operator=(const QRMIDOM_NodeList& other)
 {
     Sharing::assign(*this, other);

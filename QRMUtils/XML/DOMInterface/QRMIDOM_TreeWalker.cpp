@@ -16,6 +16,7 @@ QRMIDOM_TreeWalker::~QRMIDOM_TreeWalker()
     qrm::silently([this] { Sharing::giveUp(m_refCountedNodeImpl); });
 }
 
+// NOLINTNEXTLINE(bugprone-unhandled-self-assignment): Sharing::assign says what that does
 QRMIDOM_TreeWalker& QRMIDOM_TreeWalker::operator=(const QRMIDOM_TreeWalker& other)
 {
     Sharing::assign(*this, other);
