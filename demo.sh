@@ -4,38 +4,40 @@
 set -eu
 . "$(dirname "$0")/cmake/setup.sh"
 
-install_missing build
-build demo
+install_missing build >&2
+build demo >&2
 bin=$root/build/demo
-
-show() {
-    printf '\n\033[1m%s\033[0m\n' "$1"
-    shift
-    printf '$'
-    printf ' %s' "$@" | sed "s|$root/||g"
-    printf '\n'
-    "$@"
-}
-[ -t 1 ] || show() {
-    printf '\n%s\n' "$1"
-    shift
-    printf '$'
-    printf ' %s' "$@" | sed "s|$root/||g"
-    printf '\n'
-    "$@"
-}
+tool=$bin/tools/qrmxml/qrmxml
 
 if [ $# -gt 0 ]; then
     status=0
     for file in "$@"; do
-        "$bin/tools/qrmxml/qrmxml" write "$file" || status=$?
+        "$tool" write "$file" || status=$?
     done
     exit $status
 fi
 
-sample=$root/examples/library.xml
-tool=$bin/tools/qrmxml/qrmxml
-show "Read a document, search it, change it, write it" "$bin/examples/read_change_write" "$sample"
-show "Check that it is well-formed and valid" "$tool" check --dtd "$sample"
-show "Look at its tree" "$tool" tree "$sample"
-show "Write it in another encoding" "$tool" write --encoding ISO-8859-1 "$sample"
+bold='' plain=''
+if [ -t 1 ]; then
+    bold=$(printf '\033[1m') plain=$(printf '\033[0m')
+fi
+
+# show TITLE COMMAND...: the title, the command as one would type it, and what it prints.
+show() {
+    printf '\n%s%s%s\n$' "$bold" "$1" "$plain"
+    shift
+    printf ' %s' "$@"
+    printf '\n'
+    "$@"
+}
+
+# Short names for what is shown.
+cd "$root"
+PATH=$bin/examples:$bin/tools/qrmxml:$PATH
+show "The document" cat examples/library.xml
+show "Check that it is well-formed and valid" qrmxml check --dtd examples/library.xml
+show "Read it, search it, change it, and write it to a file" \
+    read_change_write examples/library.xml build/changed.xml
+show "What came out" cat build/changed.xml
+show "The same as a tree" qrmxml tree build/changed.xml
+show "The same in ASCII, with references for what ASCII does not have" qrmxml write --encoding US-ASCII build/changed.xml

@@ -7,7 +7,7 @@ while [ ! -f "$root/cmake/packages.txt" ]; do
     root=$(dirname "$root")
 done
 
-# The packages of a group.
+# packages GROUP: the packages of a group.
 packages() {
     awk -v group="[$1]" '/^\[/ { found = $0 == group } /^[^#[]/ { if (found) print }' "$root/cmake/packages.txt"
 }
@@ -18,6 +18,10 @@ is_installed() {
 
 # install_missing GROUP...: installs what is not there yet; asks the network only then.
 install_missing() {
+    if ! command -v dpkg-query >/dev/null; then
+        echo "Not a Debian system: going on with what is there; cmake/packages.txt names what is needed" >&2
+        return 0
+    fi
     missing=
     for group in "$@"; do
         for package in $(packages "$group"); do
@@ -29,33 +33,43 @@ install_missing() {
     as_root=
     if [ "$(id -u)" -ne 0 ]; then
         command -v sudo >/dev/null || {
-            echo "These packages are missing and only root can install them:$missing" >&2
+            echo "There is no sudo here. As root: apt-get install$missing" >&2
             exit 2
         }
         as_root=sudo
     fi
     log=$(mktemp)
+    # One package source that is down is no reason to stop, a package that does not come is.
+    $as_root apt-get -q update >"$log" 2>&1 || true
     # shellcheck disable=SC2086 # one word a package
-    if ! { $as_root apt-get -q update &&
-        $as_root env DEBIAN_FRONTEND=noninteractive apt-get -q -y --no-install-recommends install $missing; } \
-        >"$log" 2>&1; then
+    if ! $as_root env DEBIAN_FRONTEND=noninteractive apt-get -q -y --no-install-recommends \
+        -o DPkg::Lock::Timeout=120 install $missing >>"$log" 2>&1 </dev/null; then
         cat "$log" >&2
-        echo "The packages could not be installed:$missing" >&2
+        rm -f "$log"
+        echo "These packages could not be installed:$missing" >&2
         exit 2
     fi
     rm -f "$log"
 }
 
-# build PRESET [TARGET...]: configures and builds, and shows the log only when that fails.
-build() {
-    preset=$1
+# quietly LOG COMMAND...: shows what the command says only when it fails, and then fails.
+quietly() {
+    log=$1
     shift
-    echo "Building ($preset)"
-    mkdir -p "$root/build"
-    log=$root/build/$preset.log
-    if ! { (cd "$root" && cmake --preset "$preset" && cmake --build --preset "$preset" ${1:+--target "$@"}); } \
-        >"$log" 2>&1; then
+    "$@" >"$log" 2>&1 || {
         cat "$log" >&2
-        exit 1
-    fi
+        return 1
+    }
+}
+
+configure_and_build() {
+    cd "$root" || return 1
+    cmake --preset "$1" && cmake --build --preset "$1" --parallel "$(nproc)"
+}
+
+# build PRESET: configures and builds.
+build() {
+    echo "Building $1 (log: build/$1.log)"
+    mkdir -p "$root/build"
+    quietly "$root/build/$1.log" configure_and_build "$1"
 }
