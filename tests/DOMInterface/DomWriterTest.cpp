@@ -372,7 +372,7 @@ TEST(DomWriter, MakesTheCallsOfTheRecursiveDescriptionOnAnyTree)
             case 1: parent.appendChild(document.createCDATASection(text())); break;
             case 2: parent.appendChild(document.createComment(text())); break;
             case 3: parent.appendChild(document.createProcessingInstruction("pi", text())); break;
-            case 4: parent.setAttribute(below(2) != 0 ? "n" : u"\u0416", text()); break;
+            case 4: parent.setAttribute(below(2) != 0 ? u"n" : u"\u0416", text()); break;
             default:
                 elements.emplace_back(parent.appendChild(document.createElementNS("urn:u", "p:e")));
                 break;

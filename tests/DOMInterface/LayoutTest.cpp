@@ -3,6 +3,7 @@
 // destructor, then one each.
 
 #include <array>
+#include <cstddef>
 
 #include "QRMUtils/XML/DOMInterface/DomWriter.h"
 #include "QRMUtils/XML/DOMInterface/WQSStreamInputSource.h"
@@ -100,14 +101,19 @@ TEST(Layout, AParserKeepsTheOrderOfItsFields)
         I18NString text;
     };
     static_assert(sizeof(Fields) == sizeof(QRMIDOM_Parser));
-    const auto& fields = *reinterpret_cast<const Fields*>(&parser);
-    EXPECT_NE(fields.parserImpl, nullptr);
-    EXPECT_EQ(fields.mode, 17);
-    EXPECT_NE(fields.errorHandler, nullptr);
-    EXPECT_EQ(fields.code, -1);
-    EXPECT_EQ(fields.line, 3);
-    EXPECT_EQ(fields.column, 7);
-    EXPECT_EQ(fields.text, parser.errorString());
+    const auto* const bytes = reinterpret_cast<const char*>(&parser);
+    const auto intAt = [bytes](std::size_t offset) {
+        int value = 0;
+        std::memcpy(&value, bytes + offset, sizeof value);
+        return value;
+    };
+    EXPECT_NE((wordsOf<2>(parser)[1]), nullptr);
+    EXPECT_EQ(intAt(offsetof(Fields, mode)), 17);
+    EXPECT_NE((wordsOf<4>(parser)[3]), nullptr);
+    EXPECT_EQ(intAt(offsetof(Fields, code)), -1);
+    EXPECT_EQ(intAt(offsetof(Fields, line)), 3);
+    EXPECT_EQ(intAt(offsetof(Fields, column)), 7);
+    EXPECT_EQ(*reinterpret_cast<const I18NString*>(bytes + offsetof(Fields, text)), parser.errorString());
 }
 
 TEST(Layout, AWriterKeepsTheOrderOfItsOperations)

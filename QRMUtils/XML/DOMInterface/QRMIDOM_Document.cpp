@@ -42,6 +42,21 @@ const Parameter kNormalForm[] = {
     {XMLUni::fgDOMNamespaces, false},
 };
 
+/// Xerces sets a name before it checks it, so a name that is refused has to be taken back.
+void rename(xercesc::DOMDocument* document, xercesc::DOMNode* node, const XMLCh* namespaceURI,
+            const XMLCh* qualifiedName)
+{
+    const XMLCh* const formerURI = node->getNamespaceURI();
+    const XMLCh* const formerName = node->getNodeName();
+    try {
+        document->renameNode(node, namespaceURI, qualifiedName);
+    } catch (const xercesc::DOMException&) {
+        qrm::silently(
+            [&] { document->renameNode(node, formerURI != nullptr ? formerURI : u"", formerName); });
+        throw;
+    }
+}
+
 xercesc::DOMNodeFilter* adapterOf(const QRMIDOM_NodeFilter* filter)
 {
     return filter != nullptr ? filter->getNodeFilter() : nullptr;
@@ -237,8 +252,8 @@ QRMIDOM_Node QRMIDOM_Document::renameNode(QRMIDOM_Node& n, const I18NString& nam
 {
     auto* const document = live(dom(), QRM_SITE_HERE);
     return translated(QRM_SITE_HERE, [&] {
-        document->renameNode(qrm::found<xercesc::DOMNode>(n), qrm::neverNull(namespaceURI),
-                             qrm::neverNull(qualifiedName));
+        rename(document, qrm::found<xercesc::DOMNode>(n), qrm::neverNull(namespaceURI),
+               qrm::neverNull(qualifiedName));
         return n;
     });
 }

@@ -15,10 +15,10 @@ using xercesc::DOMNode;
 
 namespace {
 
-/// Xerces accepts a node as its own child and loses both.
-void refuseSelf(const DOMNode* parent, const DOMNode* child)
+/// Xerces accepts a node as its own child and loses both, and follows a null child of a document.
+void refuseNullOrSelf(const DOMNode* parent, const DOMNode* child)
 {
-    if (parent == child) {
+    if (child == nullptr || child == parent) {
         qrm::raiseDOMException(xercesc::DOMException::HIERARCHY_REQUEST_ERR);
     }
 }
@@ -154,7 +154,7 @@ QRMIDOM_Node QRMIDOM_Node::insertBefore(QRMIDOM_Node newChild, QRMIDOM_Node refC
 {
     DOMNode* const parent = live(m_nodeImpl, QRM_SITE_HERE);
     return translated(QRM_SITE_HERE, [&] {
-        refuseSelf(parent, newChild);
+        refuseNullOrSelf(parent, newChild);
         return sharing<QRMIDOM_Node>(m_refCountedNodeImpl, parent->insertBefore(newChild, refChild));
     });
 }
@@ -163,8 +163,9 @@ QRMIDOM_Node QRMIDOM_Node::replaceChild(QRMIDOM_Node newChild, QRMIDOM_Node oldC
 {
     DOMNode* const parent = live(m_nodeImpl, QRM_SITE_HERE);
     return translated(QRM_SITE_HERE, [&] {
-        refuseSelf(parent, newChild);
-        return sharing<QRMIDOM_Node>(m_refCountedNodeImpl, parent->replaceChild(newChild, oldChild));
+        refuseNullOrSelf(parent, newChild);
+        return sharing<QRMIDOM_Node>(m_refCountedNodeImpl,
+                                     parent->replaceChild(newChild, qrm::found<DOMNode>(oldChild)));
     });
 }
 
@@ -172,7 +173,8 @@ QRMIDOM_Node QRMIDOM_Node::removeChild(QRMIDOM_Node oldChild)
 {
     DOMNode* const parent = live(m_nodeImpl, QRM_SITE_HERE);
     return translated(QRM_SITE_HERE, [&] {
-        return sharing<QRMIDOM_Node>(m_refCountedNodeImpl, parent->removeChild(oldChild));
+        return sharing<QRMIDOM_Node>(m_refCountedNodeImpl,
+                                     parent->removeChild(qrm::found<DOMNode>(oldChild)));
     });
 }
 
@@ -180,7 +182,7 @@ QRMIDOM_Node QRMIDOM_Node::appendChild(QRMIDOM_Node newChild)
 {
     DOMNode* const parent = live(m_nodeImpl, QRM_SITE_HERE);
     return translated(QRM_SITE_HERE, [&] {
-        refuseSelf(parent, newChild);
+        refuseNullOrSelf(parent, newChild);
         return sharing<QRMIDOM_Node>(m_refCountedNodeImpl, parent->appendChild(newChild));
     });
 }
