@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <limits>
 #include <memory>
+#include <optional>
 
 #include <xercesc/dom/DOM.hpp>
 #include <xercesc/framework/LocalFileInputSource.hpp>
@@ -190,10 +191,12 @@ int QRMIDOM_Parser::parse(const char* buffer, int length, QRMIDOM_Document& doc)
     if (buffer == nullptr || length <= 0 || *buffer == 0) {
         return 0;
     }
-    xercesc::MemBufInputSource source(reinterpret_cast<const XMLByte*>(buffer),
-                                      static_cast<XMLSize_t>(length), "", false,
-                                      XMLPlatformUtils::fgMemoryManager);
-    return parse(source, doc);
+    std::optional<xercesc::MemBufInputSource> source;
+    qrm::translated(QRM_SITE_HERE, [&] {
+        source.emplace(reinterpret_cast<const XMLByte*>(buffer), static_cast<XMLSize_t>(length), "", false,
+                       XMLPlatformUtils::fgMemoryManager);
+    });
+    return parse(*source, doc);
 }
 
 int QRMIDOM_Parser::parse(std::istream& in, QRMIDOM_Document& doc)
