@@ -62,10 +62,12 @@ quietly() {
     }
 }
 
-configure_and_build() {
-    cd "$root" || return 1
-    cmake --preset "$1" && cmake --build --preset "$1" --parallel "$(nproc)"
-}
+# In a subshell: the caller's folder stays the current one.
+configure_and_build() (
+    cd "$root" &&
+        cmake --preset "$1" &&
+        cmake --build --preset "$1" --parallel "$(nproc)"
+)
 
 # build PRESET: configures and builds.
 build() {
