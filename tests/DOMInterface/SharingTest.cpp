@@ -14,9 +14,17 @@ xercesc::DOMDocument* newXercesDocument()
 class Watch : public xercesc::DOMUserDataHandler
 {
 public:
-    explicit Watch(const QRMIDOM_Document& document)
+    explicit Watch(const QRMIDOM_Document& document) : m_document(document.getDOM_NodeImpl())
     {
-        document.getDOM_NodeImpl()->setUserData(u"watch", this, this);
+        m_document->setUserData(u"watch", this, this);
+    }
+    Watch(const Watch&) = delete;
+    Watch& operator=(const Watch&) = delete;
+    ~Watch() override
+    {
+        if (!released) {
+            m_document->setUserData(u"watch", nullptr, nullptr);
+        }
     }
     void handle(DOMOperationType operation, const XMLCh*, void*, const xercesc::DOMNode*,
                 xercesc::DOMNode*) override
@@ -24,6 +32,9 @@ public:
         released = released || operation == NODE_DELETED;
     }
     bool released = false;
+
+private:
+    xercesc::DOMNode* m_document;
 };
 
 TEST(Sharing, ADocumentIsAdoptedWithACountOfOne)

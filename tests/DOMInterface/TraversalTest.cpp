@@ -111,7 +111,7 @@ TEST_F(Traversal, PassesOnWhateverAFilterAnswers)
 {
     for (const short odd : {short(0), short(7), short(-1)}) {
         Filter filter = answering("b", odd);
-        EXPECT_EQ(filter.getNodeFilter()->acceptNode(root.getFirstChild().getDOM_NodeImpl()), odd);
+        EXPECT_EQ(int{filter.getNodeFilter()->acceptNode(root.getFirstChild().getDOM_NodeImpl())}, odd);
         EXPECT_EQ(names(document.createNodeIterator(root, kElements, &filter, 0)), "a c d ");
     }
 }
