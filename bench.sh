@@ -1,0 +1,15 @@
+#!/bin/sh
+# Installs what is missing, builds, runs the benchmarks and prints them as ratios to the same work on raw Xerces or a
+# named peer, both sides in one run. ./bench.sh --quick repeats less.
+set -eu
+. "$(dirname "$0")/cmake/setup.sh"
+
+repetitions=7
+[ "${1:-}" != --quick ] || repetitions=3
+
+install_missing build bench
+build bench
+bin=$root/build/bench/bench
+"$bin/qrm_bench" --benchmark_repetitions="$repetitions" --benchmark_enable_random_interleaving=true \
+    --benchmark_min_time=0.05 --benchmark_out="$root/build/bench.json" --benchmark_out_format=json >"$root/build/bench.log"
+python3 "$root/bench/summary.py" "$root/build/bench.json" "$("$bin/peak_memory" raw)" "$("$bin/peak_memory" handles)"

@@ -1,0 +1,53 @@
+"""Prints what the benchmarks found as ratios: each side's median over that of the other side in the same run.
+
+usage: summary.py RESULT.json RAW_KIB HANDLES_KIB
+"""
+
+import json
+import statistics
+import sys
+
+# work, our side, the other side, the most that the ratio should be
+TARGETS = [
+    ("parse a buffer", "parse/buffer", "parse/raw", 1.03),
+    ("parse a file", "parse/file", "parse/raw", 1.05),
+    ("parse a std::istream", "parse/stream", "parse/raw", 1.10),
+    ("walk without strings", "walk/links", "walk/raw_links", 1.25),
+    ("walk with strings, filled", "walk/fill", "walk/raw_strings", 1.35),
+    ("walk with strings, by value", "walk/value", "walk/raw_strings", 1.50),
+    ("write UTF-8 to a stream", "serialize/utf8", "serialize/raw_utf8", 0.60),
+    ("write ISO-8859-1 to a stream", "serialize/latin1", "serialize/raw_latin1", None),
+    ("build a million elements", "build/handles", "build/raw", 1.25),
+    ("100,000 documents, one parser", "small/one_parser", "small/raw", 1.00),
+    ("100,000 documents, a parser each", "small/parser_each", "small/raw", 1.30),
+    ("make a string of 12 units", "strings/I18NString", "strings/u16string", 0.30),
+    ("60 ASCII units to UTF-8", "strings/toBytes_ascii", "strings/icu_ascii", 0.60),
+    ("60 Cyrillic units to UTF-8", "strings/toBytes_cyrillic", "strings/icu_cyrillic", 1.00),
+]
+
+
+def row(work, against, on, ratio, target):
+    verdict = "" if target is None else "ok" if ratio <= target else "OVER"
+    limit = "" if target is None else f"{target:.2f}"
+    print(f"{work:34} {against:22} {on:10} {ratio:7.3f} {limit:>8} {verdict}")
+
+
+def main(result, raw_kib, handles_kib):
+    times = {}
+    for run in json.load(open(result))["benchmarks"]:
+        if run["run_type"] == "iteration":
+            name = run["run_name"].split("/")
+            times.setdefault(("/".join(name[:2]), name[2]), []).append(run["cpu_time"])
+    medians = {key: statistics.median(values) for key, values in times.items()}
+
+    print(f"{'work':34} {'against':22} {'on':10} {'ratio':>7} {'at most':>8}")
+    for work, ours, other, target in TARGETS:
+        ratios = {on: medians[ours, on] / medians[other, on] for side, on in medians if side == ours}
+        for on, ratio in ratios.items():
+            row(work, other, on, ratio, None if len(ratios) > 1 else target)
+        if len(ratios) > 1:
+            row(work, other, "median", statistics.median(ratios.values()), target)
+    row("peak memory of a parse", "raw, own process", "records", int(handles_kib) / int(raw_kib), 1.02)
+
+
+main(*sys.argv[1:])
