@@ -47,6 +47,7 @@ int run(const std::function<int()>& command)
 
 } // namespace
 
+// NOLINTNEXTLINE(bugprone-exception-escape): only mistakes in making the options would throw
 int main(int argc, char** argv)
 {
     // A closed pipe and a file that grows too large come as errors of write().
