@@ -6,6 +6,7 @@
 #include "QRMCore/I18NString.h"
 #include "QRMCore/internal/Codec.h"
 #include "QRMCore/internal/ConversionErrors.h"
+#include "QRMCore/internal/UnitLength.h"
 
 using qrm::Codec;
 using qrm::Encoding;
@@ -29,8 +30,16 @@ I18NConverter::I18NConverter(const char* encoding) : m_isDefault(encoding == nul
 char* I18NConverter::fromUnicode(const char16_t* source, I18NAllocator allocator, void* context) const
 {
     const char16_t* const units = source != nullptr ? source : u"";
-    return qrm::encode({static_cast<Codec>(m_codec), m_name}, units, QRMI18NStringLength(units), nullptr,
+    return qrm::encode({static_cast<Codec>(m_codec), m_name}, units, qrm::unitLength(units), nullptr,
                        allocator, context);
+}
+
+char* I18NConverter::fromUnicodeIfExpressible(const char16_t* source, I18NAllocator allocator,
+                                              void* context) const
+{
+    const char16_t* const units = source != nullptr ? source : u"";
+    return qrm::tryEncode({static_cast<Codec>(m_codec), m_name}, units, qrm::unitLength(units), nullptr,
+                          allocator, context);
 }
 
 int I18NConverter::sizeofLegacyNull() const

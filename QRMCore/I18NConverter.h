@@ -35,6 +35,10 @@ public:
     /// @throws I18NConversionError for a character that the encoding cannot express, lone surrogates included
     char* fromUnicode(const char16_t* source, I18NAllocator allocator, void* context = nullptr) const;
 
+    /// The same, but gives null where the encoding cannot express a character.
+    char* fromUnicodeIfExpressible(const char16_t* source, I18NAllocator allocator,
+                                   void* context = nullptr) const;
+
     /// The bytes of the encoding's null: 1, 2 or 4.
     int sizeofLegacyNull() const;
 

@@ -9,12 +9,7 @@
 
 #include "QRMCore/internal/Codec.h"
 #include "QRMCore/internal/ConversionErrors.h"
-
-#if defined(__SSE2__)
-#include <cstdint>
-
-#include <emmintrin.h>
-#endif
+#include "QRMCore/internal/UnitLength.h"
 
 using qrm::Codec;
 using qrm::Encoding;
@@ -49,38 +44,6 @@ void copyUnits(char16_t* to, const void* from, int length)
 
 } // namespace
 
-#if defined(__SSE2__)
-// Reads whole aligned blocks, which may reach past the terminator but never into another page.
-__attribute__((no_sanitize("address"))) std::size_t QRMI18NStringLength(const char16_t* text)
-{
-    constexpr std::uintptr_t kBlock = sizeof(__m128i);
-    const auto address = reinterpret_cast<std::uintptr_t>(text);
-    const auto skipped = static_cast<unsigned int>(address % kBlock);
-    const auto* block = reinterpret_cast<const __m128i*>(reinterpret_cast<const char*>(text) - skipped);
-    const __m128i zero = _mm_setzero_si128();
-    const auto zerosIn = [&zero](const __m128i* units) __attribute__((no_sanitize("address")))
-    {
-        return static_cast<unsigned int>(_mm_movemask_epi8(_mm_cmpeq_epi16(*units, zero)));
-    };
-
-    unsigned int zeros = zerosIn(block) >> skipped;
-    if (zeros != 0) {
-        return static_cast<unsigned int>(__builtin_ctz(zeros)) / sizeof(char16_t);
-    }
-    do {
-        zeros = zerosIn(++block);
-    } while (zeros == 0);
-    const std::uintptr_t end =
-        reinterpret_cast<std::uintptr_t>(block) + static_cast<unsigned int>(__builtin_ctz(zeros));
-    return (end - address) / sizeof(char16_t);
-}
-#else
-std::size_t QRMI18NStringLength(const char16_t* text)
-{
-    return std::char_traits<char16_t>::length(text);
-}
-#endif
-
 I18NString::I18NString(const char* text) : I18NString()
 {
     if (text != nullptr) {
@@ -90,7 +53,7 @@ I18NString::I18NString(const char* text) : I18NString()
 
 I18NString::I18NString(const char16_t* text) : m_units(m_inline)
 {
-    const int length = text != nullptr ? narrowed(QRMI18NStringLength(text)) : 0;
+    const int length = text != nullptr ? narrowed(qrm::unitLength(text)) : 0;
     if (length <= kInlineLength) {
         copyShort(m_inline, text, length);
         setLength(length);

@@ -11,9 +11,6 @@
 #include "QRMCore/I18NConverter.h"
 #include "QRMCore/QRMCore_Api.h"
 
-/// The number of UTF-16 code units before the first zero unit. The pointer must not be null.
-QRMCORE_API std::size_t QRMI18NStringLength(const char16_t* text);
-
 /// A Unicode string: a value of UTF-16 code units (char16_t) with a zero unit after the last one. Lengths and indexes
 /// are counts of code units; "not found" is -1. Strings of up to 15 units need no memory from the heap. Zero units and
 /// lone surrogates may be part of it.
@@ -74,9 +71,7 @@ public:
     {
         const int length = unitCount(data, lengthInBytes);
         if (length <= kInlineLength) {
-            char16_t units[kInlineLength];
-            copyShort(units, data, length);
-            copyShort(m_units, units, length);
+            copyShort(m_units, data, length);
             setLength(length);
         } else {
             setLong(data, length);
@@ -141,22 +136,32 @@ private:
         return last == 0 ? units - 1 : units;
     }
 
-    /// Copies up to 15 units in pieces of fixed size, which the compiler makes single moves.
+    /// Copies the first and the last piece, which may overlap each other and their target: both are read before one is
+    /// written.
+    template <std::size_t kPiece>
+    static void copyEnds(char* to, const char* from, std::size_t bytes)
+    {
+        char first[kPiece];
+        char last[kPiece];
+        std::memcpy(first, from, kPiece);
+        std::memcpy(last, from + bytes - kPiece, kPiece);
+        std::memcpy(to, first, kPiece);
+        std::memcpy(to + bytes - kPiece, last, kPiece);
+    }
+
+    /// Copies up to 15 units in pieces of fixed size, which the compiler makes single moves. The data may be part of
+    /// the target.
     static void copyShort(char16_t* to, const void* from, int length)
     {
         const auto* const source = static_cast<const char*>(from);
         auto* const target = reinterpret_cast<char*>(to);
-        const auto copyEnds = [=](std::size_t piece) {
-            const std::size_t last = 2 * static_cast<std::size_t>(length) - piece;
-            std::memcpy(target, source, piece);
-            std::memcpy(target + last, source + last, piece);
-        };
+        const std::size_t bytes = 2 * static_cast<std::size_t>(length);
         if (length >= 8) {
-            copyEnds(16);
+            copyEnds<16>(target, source, bytes);
         } else if (length >= 4) {
-            copyEnds(8);
+            copyEnds<8>(target, source, bytes);
         } else if (length >= 2) {
-            copyEnds(4);
+            copyEnds<4>(target, source, bytes);
         } else if (length == 1) {
             std::memcpy(target, source, 2);
         }

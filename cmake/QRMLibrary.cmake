@@ -32,6 +32,8 @@ function(qrm_library target)
     add_library(${target}_objects OBJECT ${ARG_SOURCES})
     target_include_directories(${target}_objects PUBLIC ${PROJECT_SOURCE_DIR})
     target_link_libraries(${target}_objects PUBLIC ${ARG_PUBLIC} PRIVATE ${ARG_PRIVATE} qrm_build_flags)
+    # Nobody replaces single functions of the libraries, so calls within one need no detour.
+    target_compile_options(${target}_objects PRIVATE -fno-semantic-interposition)
     set_target_properties(${target}_objects PROPERTIES POSITION_INDEPENDENT_CODE ON CXX_VISIBILITY_PRESET hidden
                                                        VISIBILITY_INLINES_HIDDEN ON)
 

@@ -194,13 +194,10 @@ std::size_t firstUnexpressibleByIcu(const char* name, const char16_t* units, std
     return count;
 }
 
-[[noreturn]] void refuse(const Encoding& encoding, const char16_t* units, std::size_t count)
-{
-    const std::size_t index = firstUnexpressible(encoding, units, count, 0);
-    throwUnexpressible(encoding.name, index < count ? characterAt(units, count, index) : 0, index);
-}
+constexpr std::size_t kUnexpressible = static_cast<std::size_t>(-1);
 
-/// The bytes written to `bytes`, which has the room that roomFor() gives.
+/// The bytes written to `bytes`, which has the room that roomFor() gives; kUnexpressible where a character is
+/// not in the encoding.
 std::size_t encodeInto(const Encoding& encoding, const char16_t* units, std::size_t count, char* bytes,
                        std::size_t room)
 {
@@ -208,17 +205,14 @@ std::size_t encodeInto(const Encoding& encoding, const char16_t* units, std::siz
     case Codec::kUtf8: {
         std::size_t index = 0;
         const char* const end = toUtf8(units, count, index, bytes);
-        if (end == nullptr) {
-            throwUnexpressible(encoding.name, units[index], index);
-        }
-        return static_cast<std::size_t>(end - bytes);
+        return end != nullptr ? static_cast<std::size_t>(end - bytes) : kUnexpressible;
     }
     case Codec::kAscii:
     case Codec::kLatin1: {
         const char32_t limit = encoding.codec == Codec::kAscii ? kAsciiLimit : kLatin1Limit;
         for (std::size_t index = narrowBlocks(units, count, limit, bytes); index < count; ++index) {
             if (units[index] >= limit) {
-                refuse(encoding, units, count);
+                return kUnexpressible;
             }
             bytes[index] = lowByte(units[index]);
         }
@@ -226,17 +220,14 @@ std::size_t encodeInto(const Encoding& encoding, const char16_t* units, std::siz
     }
     case Codec::kUtf16:
         if (firstLoneSurrogate(units, count, 0) < count) {
-            refuse(encoding, units, count);
+            return kUnexpressible;
         }
         std::memcpy(bytes, units, 2 * count);
         return 2 * count;
     case Codec::kIcu: break;
     }
     std::size_t written = 0;
-    if (!icu::tryEncode(encoding.name, units, count, bytes, room, written)) {
-        refuse(encoding, units, count);
-    }
-    return written;
+    return icu::tryEncode(encoding.name, units, count, bytes, room, written) ? written : kUnexpressible;
 }
 
 std::size_t roomFor(const Encoding& encoding, const char16_t* units, std::size_t count)
@@ -336,7 +327,7 @@ std::size_t decodeUtf16(const Encoding& encoding, const char* bytes, std::size_t
 Encoding encodingNamed(const char* name)
 {
     // The usual spellings are told without asking ICU; it knows all the others.
-    if (name == nullptr || strcasecmp(name, kUtf8Name) == 0) {
+    if (name == nullptr || std::strcmp(name, kUtf8Name) == 0 || strcasecmp(name, kUtf8Name) == 0) {
         return {Codec::kUtf8, kUtf8Name};
     }
     if (strcasecmp(name, "ISO-8859-1") == 0) {
@@ -363,8 +354,8 @@ int nullSize(const Encoding& encoding)
     return icu::nullSize(encoding.name);
 }
 
-char* encode(const Encoding& encoding, const char16_t* units, std::size_t count, int* byteLength,
-             I18NAllocator allocator, void* context)
+char* tryEncode(const Encoding& encoding, const char16_t* units, std::size_t count, int* byteLength,
+                I18NAllocator allocator, void* context)
 {
     const auto terminator = static_cast<std::size_t>(nullSize(encoding));
     const std::size_t room = roomFor(encoding, units, count);
@@ -372,18 +363,28 @@ char* encode(const Encoding& encoding, const char16_t* units, std::size_t count,
         throwTooLong();
     }
     auto* const bytes = static_cast<char*>(allocator(context, room + terminator));
-    try {
-        const std::size_t written = encodeInto(encoding, units, count, bytes, room);
-        std::memset(bytes + written, 0, terminator);
-        if (byteLength != nullptr) {
-            *byteLength = static_cast<int>(written + terminator);
-        }
-    } catch (...) {
+    const std::size_t written = encodeInto(encoding, units, count, bytes, room);
+    if (written == kUnexpressible) {
         // Only memory of the usual allocator can be given back; that of others is their owner's.
         if (allocator == QRMI18NStringAllocator) {
             delete[] bytes;
         }
-        throw;
+        return nullptr;
+    }
+    std::memset(bytes + written, 0, terminator);
+    if (byteLength != nullptr) {
+        *byteLength = static_cast<int>(written + terminator);
+    }
+    return bytes;
+}
+
+char* encode(const Encoding& encoding, const char16_t* units, std::size_t count, int* byteLength,
+             I18NAllocator allocator, void* context)
+{
+    char* const bytes = tryEncode(encoding, units, count, byteLength, allocator, context);
+    if (bytes == nullptr) {
+        const std::size_t index = firstUnexpressible(encoding, units, count, 0);
+        throwUnexpressible(encoding.name, index < count ? characterAt(units, count, index) : 0, index);
     }
     return bytes;
 }

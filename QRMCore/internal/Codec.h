@@ -36,6 +36,10 @@ int nullSize(const Encoding& encoding);
 char* encode(const Encoding& encoding, const char16_t* units, std::size_t count, int* byteLength,
              I18NAllocator allocator, void* context);
 
+/// The same, but null where a character is not in the encoding.
+char* tryEncode(const Encoding& encoding, const char16_t* units, std::size_t count, int* byteLength,
+                I18NAllocator allocator, void* context);
+
 /// The index of the first character from `from` on that the encoding cannot express; `count` where there is none.
 std::size_t firstUnexpressible(const Encoding& encoding, const char16_t* units, std::size_t count,
                                std::size_t from);

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "QRMCore/QRMThrowable.h"
+#include "QRMCore/internal/UnitLength.h"
 #include "tests/support/FailingAllocator.h"
 
 namespace {
@@ -285,7 +286,7 @@ TEST(I18NString, CountsUnitsAtEveryAddress)
             if (start > 0) {
                 units[start - 1] = 0;
             }
-            EXPECT_EQ(QRMI18NStringLength(units + start), static_cast<std::size_t>(length));
+            EXPECT_EQ(qrm::unitLength(units + start), static_cast<std::size_t>(length));
         }
     }
 }

@@ -5,6 +5,10 @@
 #include <limits>
 #include <ostream>
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 #include "QRMUtils/XML/DOMInterface/DomWriter.h"
 #include "QRMUtils/XML/DOMInterface/internal/Guards.h"
 #include "QRMUtils/XML/DOMInterface/internal/TextOutput.h"
@@ -45,6 +49,27 @@ private:
 const char* orEmpty(const char* text)
 {
     return text != nullptr ? text : "";
+}
+
+/// Passes blocks of 16 bytes without a special character; gives the index where the next block would start.
+int plainBlocks([[maybe_unused]] const char* text, int start, [[maybe_unused]] int end)
+{
+    int index = start;
+#if defined(__SSE2__)
+    const auto has = [](const __m128i& block, char byte) {
+        return _mm_cmpeq_epi8(block, _mm_set1_epi8(byte));
+    };
+    for (; end - index >= 16; index += 16) {
+        const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text + index));
+        const __m128i special = _mm_or_si128(_mm_or_si128(_mm_or_si128(has(block, '<'), has(block, '>')),
+                                                          _mm_or_si128(has(block, '&'), has(block, '"'))),
+                                             has(block, '\''));
+        if (_mm_movemask_epi8(special) != 0) {
+            break;
+        }
+    }
+#endif
+    return index;
 }
 
 /// Runs the serialization of a node into the file of that name.
@@ -111,7 +136,7 @@ void QRMIDOM_Helper::write(std::FILE* file, const I18NString& text, const char* 
 
 void QRMIDOM_Helper::write(DomWriter& writer, const I18NString& text)
 {
-    qrm::writeEscaped(writer, text, qrm::Unexpressible::kReference);
+    qrm::writeEscaped(writer, text);
 }
 
 void QRMIDOM_Helper::write(DomWriter& writer, const char* text)
@@ -157,7 +182,7 @@ int QRMIDOM_Helper::findSpecialChar(const char* text, int start, int end)
     if (text == nullptr) {
         return -1;
     }
-    for (int i = start; i < end; ++i) {
+    for (int i = plainBlocks(text, start, end); i < end; ++i) {
         switch (text[i]) {
         case '<':
         case '>':

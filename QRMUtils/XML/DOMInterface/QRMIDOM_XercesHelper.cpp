@@ -6,6 +6,7 @@
 #include <xercesc/util/XMLString.hpp>
 
 #include "QRMCore/QRMThrowable.h"
+#include "QRMCore/internal/UnitLength.h"
 #include "QRMUtils/XML/DOMInterface/internal/Guards.h"
 
 namespace {
@@ -13,7 +14,7 @@ namespace {
 /// The length in bytes, with the terminator, of a string that has units.
 int byteLength(const XMLCh* source)
 {
-    const std::size_t bytes = (QRMI18NStringLength(source) + 1) * sizeof(XMLCh);
+    const std::size_t bytes = (qrm::unitLength(source) + 1) * sizeof(XMLCh);
     if (bytes > static_cast<std::size_t>(std::numeric_limits<int>::max())) {
         QRMOutOfMemoryError(0, "a string of Xerces is too long for an I18NString")
             .hurl(QRM_SITE_HERE, nullptr, "QRM_THROW");
@@ -39,7 +40,7 @@ std::int32_t u_strlen(const unsigned short* text)
 
 std::int32_t u_strlen(const char16_t* text)
 {
-    return static_cast<std::int32_t>(QRMI18NStringLength(text));
+    return static_cast<std::int32_t>(qrm::unitLength(text));
 }
 
 QRMIDOM_XercesHelper::~QRMIDOM_XercesHelper() = default;

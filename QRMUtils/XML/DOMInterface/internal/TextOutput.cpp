@@ -40,8 +40,7 @@ const Entity* entityFor(char byte)
     }
 }
 
-/// The character at the index, which is the first that an encoding cannot express; 0 for half of a surrogate pair,
-/// which no reference can stand for either.
+/// The character at the index of a text without lone surrogates.
 char32_t characterAt(const I18NString& text, int index)
 {
     const char16_t unit = text.charAt(index);
@@ -49,9 +48,6 @@ char32_t characterAt(const I18NString& text, int index)
         return unit;
     }
     const char16_t next = text.charAt(index + 1);
-    if (unit > 0xDBFF || next < 0xDC00 || next > 0xDFFF) {
-        return 0;
-    }
     return 0x10000 + ((static_cast<char32_t>(unit) - 0xD800) << 10) + (static_cast<char32_t>(next) - 0xDC00);
 }
 
@@ -64,15 +60,16 @@ void writeReference(DomWriter& writer, char32_t character)
 }
 
 /// The escaped write of a text that the encoding cannot express as a whole. The references take the place that
-/// entities have in the sequence of writes.
-void writeWithReferences(DomWriter& writer, const char* encoding, const I18NString& text)
+/// entities have in the sequence of writes. Nothing is written when half a surrogate pair is in the text.
+void writeWithReferences(DomWriter& writer, const I18NConverter& converter, const I18NString& text)
 {
-    const I18NConverter converter(encoding);
-    int start = 0;
-    for (;;) {
+    if (I18NConverter().firstUnexpressible(text) >= 0) {
+        // No reference stands for half a pair. The conversion throws and says where it is.
+        const std::unique_ptr<char[]> none(text.toBytes(converter, nullptr, QRMI18NStringAllocator, nullptr));
+    }
+    for (int start = 0;;) {
         const int index = converter.firstUnexpressible(text, start);
-        const int end = index >= 0 ? index : text.length();
-        const I18NString piece = text.substring(start, end - start);
+        const I18NString piece = text.substring(start, index >= 0 ? index - start : -1);
         const std::unique_ptr<char[]> bytes(
             piece.toBytes(converter, nullptr, QRMI18NStringAllocator, nullptr));
         writeEscaped(writer, bytes.get(), std::strlen(bytes.get()));
@@ -85,41 +82,9 @@ void writeWithReferences(DomWriter& writer, const char* encoding, const I18NStri
     }
 }
 
-/// Whether references can stand for all that the encoding cannot express.
-bool referencesHelp(const char* encoding, const I18NString& text)
+bool sameName(const char* a, const char* b)
 {
-    const I18NConverter converter(encoding);
-    int index = converter.firstUnexpressible(text);
-    const bool any = index >= 0;
-    while (index >= 0) {
-        const char32_t character = characterAt(text, index);
-        if (character == 0) {
-            return false;
-        }
-        index = converter.firstUnexpressible(text, index + (character > 0xFFFF ? 2 : 1));
-    }
-    return any;
-}
-
-/// Runs the conversion; where the encoding cannot express the text but references help, writes it with them instead
-/// and gives null. Nothing has been written when it throws.
-template <class Convert, class Text>
-char* convertOrRefer(DomWriter& writer, const char* encoding, Unexpressible policy, Convert&& convert,
-                     Text&& text)
-{
-    try {
-        return convert();
-    } catch (const I18NConversionError&) {
-        if (policy == Unexpressible::kError) {
-            throw;
-        }
-        const I18NString units = text();
-        if (!referencesHelp(encoding, units)) {
-            throw;
-        }
-        writeWithReferences(writer, encoding, units);
-        return nullptr;
-    }
+    return a == b || (a != nullptr && b != nullptr && std::strcmp(a, b) == 0);
 }
 
 } // namespace
@@ -153,16 +118,15 @@ void writeEscaped(DomWriter& writer, const char* text, std::size_t length)
     }
 }
 
-void writeEscaped(DomWriter& writer, const I18NString& text, Unexpressible policy)
+void writeEscaped(DomWriter& writer, const I18NString& text)
 {
-    const char* const encoding = writer.getOutputEncoding();
-    const std::unique_ptr<char[]> bytes(convertOrRefer(
-        writer, encoding, policy,
-        [&] { return text.toBytes(encoding, nullptr, QRMI18NStringAllocator, nullptr); },
-        [&] { return text; }));
-    if (bytes != nullptr) {
-        writeEscaped(writer, bytes.get(), std::strlen(bytes.get()));
+    const I18NConverter converter(writer.getOutputEncoding());
+    if (converter.firstUnexpressible(text) >= 0) {
+        writeWithReferences(writer, converter, text);
+        return;
     }
+    const std::unique_ptr<char[]> bytes(text.toBytes(converter, nullptr, QRMI18NStringAllocator, nullptr));
+    writeEscaped(writer, bytes.get(), std::strlen(bytes.get()));
 }
 
 void writeRaw(DomWriter& writer, const I18NString& text)
@@ -175,14 +139,25 @@ void writeRaw(DomWriter& writer, const I18NString& text)
 
 void TextOutput::escaped(const XMLCh* text, Unexpressible policy)
 {
-    const char* const encoding = m_writer.getOutputEncoding();
-    const char* const bytes = convertOrRefer(
-        m_writer, encoding, policy,
-        [&] { return I18NConverter(encoding).fromUnicode(text, ScratchMemory::allocate, &m_scratch); },
-        [&] { return QRMIDOM_XercesHelper::DOMStringToI18NString(text); });
+    const I18NConverter& converter = currentConverter();
+    const char* const bytes =
+        policy == Unexpressible::kError
+            ? converter.fromUnicode(text, ScratchMemory::allocate, &m_scratch)
+            : converter.fromUnicodeIfExpressible(text, ScratchMemory::allocate, &m_scratch);
     if (bytes != nullptr) {
         writeEscaped(m_writer, bytes, std::strlen(bytes));
+    } else {
+        writeWithReferences(m_writer, converter, QRMIDOM_XercesHelper::DOMStringToI18NString(text));
     }
+}
+
+const I18NConverter& TextOutput::currentConverter()
+{
+    const char* const encoding = m_writer.getOutputEncoding();
+    if (!m_converter.has_value() || !sameName(m_converter->getEncoding(), encoding)) {
+        m_converter.emplace(encoding);
+    }
+    return *m_converter;
 }
 
 void TextOutput::raw(const XMLCh* text)

@@ -3,9 +3,11 @@
 
 #include <cstddef>
 #include <memory>
+#include <optional>
 
 #include <xercesc/util/XercesDefs.hpp>
 
+#include "QRMCore/I18NConverter.h"
 #include "QRMUtils/XML/DOMInterface/DomWriter.h"
 
 class I18NString;
@@ -35,8 +37,9 @@ private:
 /// written even when it is empty.
 void writeEscaped(DomWriter& writer, const char* text, std::size_t length);
 
-/// Converts the text to the writer's encoding and writes it escaped, up to the first zero byte.
-void writeEscaped(DomWriter& writer, const I18NString& text, Unexpressible policy);
+/// Converts the text to the writer's encoding and writes it escaped, up to the first zero byte, with references for
+/// the characters that the encoding cannot express.
+void writeEscaped(DomWriter& writer, const I18NString& text);
 
 /// Converts the text to the writer's encoding and writes it in one piece.
 void writeRaw(DomWriter& writer, const I18NString& text);
@@ -52,7 +55,11 @@ public:
     void raw(const XMLCh* text);
 
 private:
+    /// The writer is asked for its encoding each time, the converter made anew when that has changed.
+    const I18NConverter& currentConverter();
+
     DomWriter& m_writer;
+    std::optional<I18NConverter> m_converter;
     ScratchMemory m_scratch;
 };
 
