@@ -42,6 +42,12 @@ char* I18NConverter::fromUnicodeIfExpressible(const char16_t* source, I18NAlloca
                           allocator, context);
 }
 
+bool I18NConverter::keepsAscii() const
+{
+    const auto codec = static_cast<Codec>(m_codec);
+    return codec == Codec::kUtf8 || codec == Codec::kAscii || codec == Codec::kLatin1;
+}
+
 int I18NConverter::sizeofLegacyNull() const
 {
     return qrm::nullSize({static_cast<Codec>(m_codec), m_name});

@@ -39,6 +39,10 @@ public:
     char* fromUnicodeIfExpressible(const char16_t* source, I18NAllocator allocator,
                                    void* context = nullptr) const;
 
+    /// Whether this is known to be an encoding in which each ASCII character is the one byte of its own value; false
+    /// tells nothing.
+    bool keepsAscii() const;
+
     /// The bytes of the encoding's null: 1, 2 or 4.
     int sizeofLegacyNull() const;
 

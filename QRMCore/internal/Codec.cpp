@@ -30,14 +30,21 @@ std::size_t narrowBlocks([[maybe_unused]] const char16_t* units, [[maybe_unused]
     std::size_t done = 0;
 #if defined(__SSE2__)
     const __m128i beyond = _mm_set1_epi16(static_cast<short>(~(limit - 1)));
-    const __m128i zero = _mm_setzero_si128();
-    while (count - done >= 8) {
-        const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(units + done));
-        if (_mm_movemask_epi8(_mm_cmpeq_epi16(_mm_and_si128(block, beyond), zero)) != 0xFFFF) {
-            break;
+    const auto convertAt = [&](std::size_t index) {
+        const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(units + index));
+        const __m128i fits = _mm_cmpeq_epi16(_mm_and_si128(block, beyond), _mm_setzero_si128());
+        if (_mm_movemask_epi8(fits) != 0xFFFF) {
+            return false;
         }
-        _mm_storel_epi64(reinterpret_cast<__m128i*>(bytes + done), _mm_packus_epi16(block, block));
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(bytes + index), _mm_packus_epi16(block, block));
+        return true;
+    };
+    while (count - done >= 8 && convertAt(done)) {
         done += 8;
+    }
+    // The rest together with units before it that have been converted already.
+    if (done >= 8 && count - done < 8 && done < count && convertAt(count - 8)) {
+        done = count;
     }
 #endif
     return done;
@@ -371,7 +378,9 @@ char* tryEncode(const Encoding& encoding, const char16_t* units, std::size_t cou
         }
         return nullptr;
     }
-    std::memset(bytes + written, 0, terminator);
+    for (std::size_t i = 0; i < terminator; ++i) {
+        bytes[written + i] = 0;
+    }
     if (byteLength != nullptr) {
         *byteLength = static_cast<int>(written + terminator);
     }

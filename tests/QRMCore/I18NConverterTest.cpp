@@ -356,6 +356,16 @@ TEST(I18NConverter, TakesMemoryFromTheAllocatorOnce)
     }
 }
 
+TEST(I18NConverter, TellsWhetherAsciiStaysAscii)
+{
+    for (const char* encoding : {static_cast<const char*>(nullptr), "UTF-8", "us-ascii", "latin1"}) {
+        EXPECT_TRUE(I18NConverter(encoding).keepsAscii());
+        EXPECT_EQ(toBytes(u"a<~", encoding).text, "a<~");
+    }
+    EXPECT_FALSE(I18NConverter("UTF-16").keepsAscii());
+    EXPECT_FALSE(I18NConverter("IBM037").keepsAscii());
+}
+
 TEST(I18NConverter, TellsItsName)
 {
     EXPECT_EQ(I18NConverter().getEncoding(), nullptr);

@@ -82,9 +82,62 @@ void writeWithReferences(DomWriter& writer, const I18NConverter& converter, cons
     }
 }
 
+/// Whether an ASCII character stands for itself in text; one look instead of five questions.
+struct PlainTable
+{
+    bool isPlain[128] = {};
+
+    constexpr PlainTable()
+    {
+        for (int byte = 1; byte < 128; ++byte) {
+            isPlain[byte] = byte != '<' && byte != '>' && byte != '&' && byte != '\'' && byte != '"';
+        }
+    }
+};
+constexpr PlainTable kPlain;
+
+/// A short text that is plain ASCII: nothing to convert and nothing to escape, as most names and values are.
+class PlainText
+{
+public:
+    explicit PlainText(const XMLCh* text)
+    {
+        for (; m_length < kMaxLength; ++m_length) {
+            const XMLCh unit = text != nullptr ? text[m_length] : XMLCh(0);
+            if (unit == 0) {
+                m_isPlain = true;
+                return;
+            }
+            if (unit >= 0x80 || !kPlain.isPlain[unit]) {
+                return;
+            }
+            m_bytes[m_length] = static_cast<char>(unit);
+        }
+    }
+
+    explicit operator bool() const { return m_isPlain; }
+    const char* bytes() const { return m_bytes; }
+    int length() const { return m_length; }
+
+private:
+    static constexpr int kMaxLength = 48;
+
+    char m_bytes[kMaxLength];
+    int m_length = 0;
+    bool m_isPlain = false;
+};
+
+/// Names are a few bytes, asked about for every string: comparing them here takes less than the call of a function.
 bool sameName(const char* a, const char* b)
 {
-    return a == b || (a != nullptr && b != nullptr && std::strcmp(a, b) == 0);
+    if (a == nullptr || b == nullptr) {
+        return a == b;
+    }
+    while (*a == *b && *a != 0) {
+        ++a;
+        ++b;
+    }
+    return *a == *b;
 }
 
 } // namespace
@@ -140,6 +193,12 @@ void writeRaw(DomWriter& writer, const I18NString& text)
 void TextOutput::escaped(const XMLCh* text, Unexpressible policy)
 {
     const I18NConverter& converter = currentConverter();
+    if (m_keepsAscii) {
+        if (const PlainText plain(text); plain) {
+            m_writer.write(plain.bytes(), plain.length());
+            return;
+        }
+    }
     const char* const bytes =
         policy == Unexpressible::kError
             ? converter.fromUnicode(text, ScratchMemory::allocate, &m_scratch)
@@ -156,6 +215,7 @@ const I18NConverter& TextOutput::currentConverter()
     const char* const encoding = m_writer.getOutputEncoding();
     if (!m_converter.has_value() || !sameName(m_converter->getEncoding(), encoding)) {
         m_converter.emplace(encoding);
+        m_keepsAscii = m_converter->keepsAscii();
     }
     return *m_converter;
 }

@@ -60,6 +60,7 @@ private:
 
     DomWriter& m_writer;
     std::optional<I18NConverter> m_converter;
+    bool m_keepsAscii = false;
     ScratchMemory m_scratch;
 };
 

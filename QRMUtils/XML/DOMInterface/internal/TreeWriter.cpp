@@ -10,30 +10,35 @@ void TreeWriter::write(const DOMNode* root)
 {
     const DOMNode* node = root;
     for (;;) {
-        if (open(node)) {
-            if (const DOMNode* const child = node->getFirstChild()) {
+        const DOMNode* child = nullptr;
+        if (open(node, child)) {
+            if (child != nullptr) {
+                m_ancestors.push_back(node);
                 node = child;
                 continue;
             }
             close(node);
         }
-        while (node != root && node->getNextSibling() == nullptr) {
-            node = node->getParentNode();
+        const DOMNode* next = nullptr;
+        while (node != root && (next = node->getNextSibling()) == nullptr) {
+            node = m_ancestors.back();
+            m_ancestors.pop_back();
             close(node);
         }
         if (node == root) {
             return;
         }
-        node = node->getNextSibling();
+        node = next;
     }
 }
 
 /// Writes what comes before a node's children, or all of a node that is written without children.
+/// @param child gets the first child to be written
 /// @return whether children and close() are to follow
-bool TreeWriter::open(const DOMNode* node)
+bool TreeWriter::open(const DOMNode* node, const DOMNode*& child)
 {
     switch (node->getNodeType()) {
-    case DOMNode::ELEMENT_NODE: return openElement(node);
+    case DOMNode::ELEMENT_NODE: child = openElement(node); return child != nullptr;
     case DOMNode::TEXT_NODE: content(node->getNodeValue()); return false;
     case DOMNode::CDATA_SECTION_NODE:
         literal("<![CDATA[");
@@ -55,6 +60,7 @@ bool TreeWriter::open(const DOMNode* node)
     case DOMNode::DOCUMENT_NODE: {
         const char* const header = m_writer.getXMLHeader();
         m_text.literal(header, static_cast<int>(std::strlen(header)));
+        child = node->getFirstChild();
         return true;
     }
     case DOMNode::DOCUMENT_TYPE_NODE:
@@ -75,17 +81,20 @@ void TreeWriter::close(const DOMNode* node)
     }
 }
 
-bool TreeWriter::openElement(const DOMNode* element)
+/// Writes a start tag, or the tag of an empty element.
+/// @return the first child, null for an empty element
+const DOMNode* TreeWriter::openElement(const DOMNode* element)
 {
     literal("<");
     strict(element->getNodeName());
     writeAttributes(element);
-    if (element->hasChildNodes()) {
+    const DOMNode* const child = element->getFirstChild();
+    if (child != nullptr) {
         literal(">");
-        return true;
+    } else {
+        literal("/>");
     }
-    literal("/>");
-    return false;
+    return child;
 }
 
 void TreeWriter::writeAttributes(const DOMNode* element)

@@ -1,14 +1,16 @@
 #ifndef QRMIDOM_INTERNAL_TREEWRITER_H
 #define QRMIDOM_INTERNAL_TREEWRITER_H
 
+#include <vector>
+
 #include <xercesc/dom/DOM.hpp>
 
 #include "QRMUtils/XML/DOMInterface/internal/TextOutput.h"
 
 namespace qrm {
 
-/// Writes a node with its subtree. Goes along child, sibling and parent links, so that the depth of the tree costs no
-/// stack.
+/// Writes a node with its subtree. Goes along child and sibling links and remembers the way back itself: the depth of
+/// the tree costs no stack, and asking Xerces for a parent takes longer.
 class TreeWriter
 {
 public:
@@ -18,10 +20,10 @@ public:
     void write(const xercesc::DOMNode* root);
 
 private:
-    bool open(const xercesc::DOMNode* node);
+    bool open(const xercesc::DOMNode* node, const xercesc::DOMNode*& child);
     void close(const xercesc::DOMNode* node);
 
-    bool openElement(const xercesc::DOMNode* element);
+    const xercesc::DOMNode* openElement(const xercesc::DOMNode* element);
     void writeAttributes(const xercesc::DOMNode* element);
     void writeProcessingInstruction(const xercesc::DOMNode* instruction);
     void writeEntity(const xercesc::DOMEntity& entity);
@@ -49,6 +51,7 @@ private:
 
     DomWriter& m_writer;
     TextOutput m_text;
+    std::vector<const xercesc::DOMNode*> m_ancestors;
 };
 
 } // namespace qrm
