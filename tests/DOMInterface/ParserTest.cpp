@@ -343,6 +343,36 @@ TEST_F(Parser, ValidatesAgainstASchema)
     }
 }
 
+TEST_F(Parser, ValidatesAgainstTheSchemaOfDocBook)
+{
+    const char* const schema = "/usr/share/xml/docbook/schema/xsd/5.0/docbook.xsd";
+    ASSERT_EQ(::access(schema, R_OK), 0) << "is the package docbook5-xml installed?";
+    parser.setDoValidation(1);
+    parser.setDoSchema(1);
+    parser.setExternalSchemaLocation((std::string("http://docbook.org/ns/docbook ") + schema).c_str());
+    const std::string start =
+        "<article xmlns='http://docbook.org/ns/docbook' version='5.0'>\n<title>T</title>";
+    for (const int refuse : {0, 1}) {
+        // It includes two more schemas, which are no less trusted.
+        parser.setRefuseExternal(refuse);
+        EXPECT_EQ(parse(start + "<para>text</para></article>"), 1) << parser.errorString();
+        EXPECT_EQ(parse(start + "<para><nonsense/></para></article>"), 0);
+        EXPECT_EQ(parser.getErrorCode(), -1);
+        EXPECT_EQ(parser.getCurrentLineNumber(), 2);
+        EXPECT_EQ(parser.errorString(), I18NString("no declaration found for element 'nonsense'"));
+    }
+}
+
+TEST_F(Parser, ValidatesARealDocumentAgainstItsDtd)
+{
+    parser.setDoValidation(1);
+    for (const char* name :
+         {"/usr/share/mime/packages/freedesktop.org.xml", "/usr/share/xml/iso-codes/iso_639_3.xml"}) {
+        EXPECT_EQ(parser.parse(name, document), 1)
+            << name << ":" << parser.getCurrentLineNumber() << ": " << parser.errorString();
+    }
+}
+
 TEST_F(Parser, ValidatesAgainstASchemaWithoutANamespace)
 {
     const File schema("<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema'>"
