@@ -173,6 +173,8 @@ const Site kSites[] = {
      [] { null<QRMIDOM_NodeIterator>().previousNode(); }},
     {"NodeIterator detach", "QRMIDOM_NodeIterator.cpp", 165, kNullHandle,
      [] { null<QRMIDOM_NodeIterator>().detach(); }},
+    {"NodeFilter adapter acceptNode", "QRMIDOM_NodeFilter.cpp", 28, "QRM_ASSERT(m_filter);",
+     [] { QRMIDOM_NodeFilter::NodeFilterAdapter().acceptNode(nullptr); }},
     {"TreeWalker getRoot", "QRMIDOM_TreeWalker.cpp", 102, kNullHandle,
      [] { null<QRMIDOM_TreeWalker>().getRoot(); }},
     {"TreeWalker getWhatToShow", "QRMIDOM_TreeWalker.cpp", 109, kNullHandle,

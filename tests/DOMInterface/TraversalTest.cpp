@@ -1,6 +1,8 @@
 #include <functional>
 #include <vector>
 
+#include <xercesc/util/OutOfMemoryException.hpp>
+
 #include "QRMCore/QRMThrowable.h"
 #include "tests/support/FailingAllocator.h"
 #include "tests/support/TestDocument.h"
@@ -237,6 +239,47 @@ TEST_F(Traversal, FailsOnNullHandlesAndComparesWithNullOnly)
     QRMIDOM_Document null;
     EXPECT_EQ(assertionOf([&] { null.createNodeIterator(root, kAll, nullptr, 0); }), kNullHandle);
     EXPECT_EQ(assertionOf([&] { null.createTreeWalker(root, kAll, nullptr, 0); }), kNullHandle);
+}
+
+TEST(NodeFilter, IsKnownToItsAdapter)
+{
+    Filter filter([](const QRMIDOM_Node&) { return short(1); });
+    const auto* const adapter = dynamic_cast<QRMIDOM_NodeFilter::NodeFilterAdapter*>(filter.getNodeFilter());
+    ASSERT_NE(adapter, nullptr);
+    EXPECT_EQ(adapter->getNodeFilter(), &filter);
+    EXPECT_EQ(QRMIDOM_NodeFilter::NodeFilterAdapter().getNodeFilter(), nullptr);
+}
+
+TEST_F(Traversal, TurnsXercesRunningOutOfMemoryIntoTheErrorOfTheFamily)
+{
+    bool failing = false;
+    Filter filter([&failing](const QRMIDOM_Node&) -> short {
+        if (failing) {
+            throw xercesc::OutOfMemoryException();
+        }
+        return 1;
+    });
+    QRMIDOM_NodeIterator iterator = document.createNodeIterator(root, kAll, &filter, 0);
+    failing = true;
+    const auto expectError = [](auto&& call, int number) {
+        try {
+            call();
+            ADD_FAILURE() << "it worked";
+        } catch (const QRMOutOfMemoryError& error) {
+            EXPECT_EQ(error.getCode(), 300);
+            EXPECT_STREQ(error.getText(), "Out of memory");
+            ASSERT_EQ(error.getBackTrace().size(), 1u);
+            EXPECT_EQ(error.getBackTrace()[0].fileName, "QRMIDOM_NodeIterator.cpp");
+            EXPECT_EQ(error.getBackTrace()[0].lineNumber, number);
+            EXPECT_EQ(error.getBackTrace()[0].context, "QRMIDOM -> Xerces");
+            EXPECT_EQ(error.getBackTrace()[0].macroName, "QRM_THROW");
+        }
+    };
+    expectError([&] { iterator.nextNode(); }, 136);
+    failing = false;
+    iterator.nextNode();
+    failing = true;
+    expectError([&] { iterator.previousNode(); }, 159);
 }
 
 TEST(NodeFilter, NamesItsPlaceWhenThereIsNoMemory)

@@ -2,16 +2,6 @@
 
 #include "QRMUtils/XML/DOMInterface/internal/Guards.h"
 
-class QRMIDOM_NodeFilter::NodeFilterAdapter : public xercesc::DOMNodeFilter
-{
-public:
-    FilterAction acceptNode(const xercesc::DOMNode* node) const override;
-
-    QRMIDOM_NodeFilter* getNodeFilter() const { return m_filter; }
-
-    QRMIDOM_NodeFilter* m_filter = nullptr;
-};
-
 namespace {
 
 /// A handle for one call of a filter. Made from a document node it has a holder of its own, which would release the

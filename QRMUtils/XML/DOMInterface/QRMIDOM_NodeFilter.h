@@ -11,6 +11,27 @@
 class QRMIDOM_API QRMIDOM_NodeFilter
 {
 public:
+    /// What Xerces calls for a filter: hands each node that Xerces asks about to the filter it belongs to.
+    class QRMIDOM_API NodeFilterAdapter : public xercesc::DOMNodeFilter
+    {
+    public:
+        /// Belongs to no filter yet.
+        NodeFilterAdapter() = default;
+        ~NodeFilterAdapter() override;
+
+        /// What the filter decides.
+        /// @throws QRMAssertError "QRM_ASSERT(m_filter);" where it belongs to no filter
+        FilterAction acceptNode(const xercesc::DOMNode* node) const override;
+
+        /// The filter it belongs to, null where there is none.
+        QRMIDOM_NodeFilter* getNodeFilter() const { return m_filter; }
+
+    private:
+        friend class QRMIDOM_NodeFilter;
+
+        QRMIDOM_NodeFilter* m_filter = nullptr;
+    };
+
     /// @throws QRMOutOfMemoryError 0 when there is no memory for the adapter
     QRMIDOM_NodeFilter();
     QRMIDOM_NodeFilter(const QRMIDOM_NodeFilter&) = delete;
@@ -25,9 +46,6 @@ public:
     xercesc::DOMNodeFilter* getNodeFilter() const;
 
 private:
-    /// Hands the nodes that Xerces asks about to the filter it belongs to.
-    class NodeFilterAdapter;
-
     NodeFilterAdapter* m_adapter;
 };
 
