@@ -27,6 +27,8 @@ private:
 
 } // namespace
 
+QRMIDOM_NodeFilter::NodeFilterAdapter::~NodeFilterAdapter() = default;
+
 xercesc::DOMNodeFilter::FilterAction QRMIDOM_NodeFilter::NodeFilterAdapter::acceptNode(
     const xercesc::DOMNode* node) const
 {
