@@ -53,13 +53,7 @@ I18NString::I18NString(const char* text) : I18NString()
 
 I18NString::I18NString(const char16_t* text) : m_units(m_inline)
 {
-    const int length = text != nullptr ? narrowed(qrm::unitLength(text)) : 0;
-    if (length <= kInlineLength) {
-        copyShort(m_inline, text, length);
-        setLength(length);
-    } else {
-        setLong(text, length);
-    }
+    set(text, text != nullptr ? narrowed(qrm::unitLength(text)) : 0);
 }
 
 I18NString::I18NString(const char* bytes, int length, const char* encoding) : I18NString()
@@ -72,12 +66,7 @@ I18NString::I18NString(const char* bytes, int length, const char* encoding) : I1
 
 I18NString::I18NString(const I18NString& other) : m_units(m_inline)
 {
-    if (other.m_length <= kInlineLength) {
-        copyShort(m_inline, other.m_units, other.m_length);
-        setLength(other.m_length);
-    } else {
-        setLong(other.m_units, other.m_length);
-    }
+    set(other.m_units, other.m_length);
 }
 
 I18NString::I18NString(I18NString&& other) noexcept : I18NString()
@@ -87,15 +76,7 @@ I18NString::I18NString(I18NString&& other) noexcept : I18NString()
 
 I18NString& I18NString::operator=(const I18NString& other)
 {
-    if (this == &other) {
-        return *this;
-    }
-    if (other.m_length <= kInlineLength) {
-        copyShort(m_units, other.m_units, other.m_length);
-        setLength(other.m_length);
-    } else {
-        setLong(other.m_units, other.m_length);
-    }
+    set(other.m_units, other.m_length);
     return *this;
 }
 
@@ -105,8 +86,7 @@ I18NString& I18NString::operator=(I18NString&& other) noexcept
         return *this;
     }
     if (other.m_length <= kInlineLength) {
-        copyShort(m_units, other.m_units, other.m_length);
-        setLength(other.m_length);
+        set(other.m_units, other.m_length);
     } else {
         if (m_units != m_inline) {
             delete[] m_units;

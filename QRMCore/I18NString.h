@@ -44,11 +44,8 @@ public:
         const int length = unitCount(data, lengthInBytes);
         if (callback != nullptr) {
             setChecked(data, length, callback, context);
-        } else if (length <= kInlineLength) {
-            copyShort(m_inline, data, length);
-            setLength(length);
         } else {
-            setLong(data, length);
+            set(data, length);
         }
     }
 
@@ -67,16 +64,7 @@ public:
 
     /// Replaces the contents by UTF-16 units, as the constructor from raw data takes them. The data may be part of this
     /// string.
-    void setTo(const void* data, int lengthInBytes)
-    {
-        const int length = unitCount(data, lengthInBytes);
-        if (length <= kInlineLength) {
-            copyShort(m_units, data, length);
-            setLength(length);
-        } else {
-            setLong(data, length);
-        }
-    }
+    void setTo(const void* data, int lengthInBytes) { set(data, unitCount(data, lengthInBytes)); }
     void setTo(const I18NString& other) { *this = other; }
 
     /// Makes the string empty.
@@ -171,6 +159,17 @@ private:
     {
         m_length = length;
         m_units[length] = 0;
+    }
+
+    /// Replaces the contents by units that may be part of them.
+    void set(const void* data, int length)
+    {
+        if (length <= kInlineLength) {
+            copyShort(m_units, data, length);
+            setLength(length);
+        } else {
+            setLong(data, length);
+        }
     }
 
     void setLong(const void* data, int length);

@@ -10,26 +10,12 @@
 
 #include "QRMUtils/XML/DOMInterface/QRMISAX_Parser.h"
 #include "WQSStreams/WQSFileInputStream.h"
+#include "tests/support/TemporaryFile.h"
 #include "tests/support/TestDocument.h"
 
 namespace {
 
-class File
-{
-public:
-    explicit File(const std::string& content)
-        : m_name(testing::TempDir() + "qrmidom-parser-" + std::to_string(::getpid()))
-    {
-        std::ofstream(m_name, std::ios::binary) << content;
-    }
-    File(const File&) = delete;
-    File& operator=(const File&) = delete;
-    ~File() { ::unlink(m_name.c_str()); }
-    const char* name() const { return m_name.c_str(); }
-
-private:
-    std::string m_name;
-};
+using File = TemporaryFile;
 
 class Parser : public testing::Test
 {
@@ -388,8 +374,7 @@ TEST_F(Parser, ValidatesAgainstASchemaWithoutANamespace)
 
 TEST_F(Parser, LoadsASchemaAfreshForEachParse)
 {
-    const std::string location =
-        "urn:o " + testing::TempDir() + "qrmidom-parser-" + std::to_string(::getpid());
+    const std::string location = "urn:o " + TemporaryFile::nameOfAny();
     for (const int mode : {0, 1}) {
         QRMIDOM_Parser validating(mode);
         validating.setDoValidation(1);

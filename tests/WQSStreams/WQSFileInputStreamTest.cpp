@@ -10,24 +10,11 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "tests/support/TemporaryFile.h"
+
 namespace {
 
-class File
-{
-public:
-    explicit File(const std::string& content)
-        : m_name(testing::TempDir() + "wqs-" + std::to_string(::getpid()))
-    {
-        std::ofstream(m_name, std::ios::binary) << content;
-    }
-    File(const File&) = delete;
-    File& operator=(const File&) = delete;
-    ~File() { ::unlink(m_name.c_str()); }
-    const char* name() const { return m_name.c_str(); }
-
-private:
-    std::string m_name;
-};
+using File = TemporaryFile;
 
 TEST(WQSFileInputStream, ReadsBytesAsTheyAre)
 {
