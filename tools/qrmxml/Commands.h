@@ -15,7 +15,7 @@ enum ExitStatus
 /// How documents are read.
 struct ReadOptions
 {
-    bool allowExternal = false; // load external entities and DTDs, and expand entities without limit
+    bool allowExternal = false; // load what documents name, and expand entities without limit
     bool noProgress = false;
 };
 
@@ -24,7 +24,7 @@ struct WriteOptions
     ReadOptions read;
     std::string file;
     std::string encoding = "UTF-8";
-    std::string output; // empty: standard output
+    std::string output = "-"; // standard output
     bool inPlace = false;
 };
 

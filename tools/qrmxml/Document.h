@@ -10,10 +10,18 @@
 /// Sets the parser up for documents from anywhere, or for trusted ones.
 void prepare(QRMIDOM_Parser& parser, const ReadOptions& options);
 
-/// Parses a file, or standard input for "-", and reports what is wrong with it.
+/// Parses a file, or standard input for "-", and reports what is wrong with it. What the document names is looked for
+/// beside it. The parser should be a new one: what it recorded of another document might be reported for this one.
 /// @return kDone or kNo
 /// @throws Trouble when it cannot be read
 int parseFile(QRMIDOM_Parser& parser, const std::string& name, const ReadOptions& options,
               QRMIDOM_Document& document);
+
+/// Moves on in document order, without recursion, however deep the document is.
+/// @param node starts as the document
+/// @param depth the levels below the document, 0 at first
+/// @param enter whether to go on with the node's children, if any, or behind them
+/// @return false at the end, where the node is the document again
+bool moveOn(QRMIDOM_Node& node, int& depth, bool enter);
 
 #endif

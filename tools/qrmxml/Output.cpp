@@ -1,51 +1,128 @@
 #include "tools/qrmxml/Output.h"
 
 #include <array>
+#include <atomic>
 #include <cerrno>
-#include <climits>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <streambuf>
 
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+namespace fs = std::filesystem;
+
 void reportError(const std::string& name, const std::string& text, int line, int column)
 {
-    std::string place = name == "-" ? "<stdin>" : visible(name);
+    std::string place = name == "-" ? "<stdin>" : name.empty() ? "''" : visible(name);
     if (line > 0) {
         place += ":" + std::to_string(line) + ":" + std::to_string(column);
     }
     std::fprintf(stderr, "%s: error: %s\n", place.c_str(), visible(text).c_str());
 }
 
+namespace {
+
+/// The character that begins at an index of UTF-8 text.
+struct Decoded
+{
+    char32_t character;
+    std::size_t length; // in bytes; 0 where there is no UTF-8
+};
+
+Decoded decode(const std::string& utf8, std::size_t index)
+{
+    const auto lead = static_cast<unsigned char>(utf8[index]);
+    if (lead < 0x80) {
+        return {lead, 1};
+    }
+    const std::size_t length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
+    if (lead < 0xC2 || lead > 0xF4 || index + length > utf8.size()) {
+        return {0, 0};
+    }
+    char32_t character = lead & (0xFFu >> (length + 1));
+    for (std::size_t i = 1; i < length; ++i) {
+        const auto byte = static_cast<unsigned char>(utf8[index + i]);
+        if ((byte & 0xC0) != 0x80) {
+            return {0, 0};
+        }
+        character = character << 6 | (byte & 0x3Fu);
+    }
+    constexpr std::array<char32_t, 5> kFirstOfLength = {0, 0, 0x80, 0x800, 0x10000};
+    if (character < kFirstOfLength[length] || (character >= 0xD800 && character <= 0xDFFF)
+        || character > 0x10FFFF) {
+        return {0, 0};
+    }
+    return {character, length};
+}
+
+/// Whether a character acts on a terminal, or on the order in which it shows others, instead of being shown.
+bool isControl(char32_t character)
+{
+    return character < 0x20 || (character >= 0x7F && character < 0xA0) || character == 0x61C
+           || character == 0x200E || character == 0x200F || (character >= 0x2028 && character <= 0x202E)
+           || (character >= 0x2066 && character <= 0x2069) || character == 0xFEFF;
+}
+
+std::string byteEscape(unsigned char byte)
+{
+    std::array<char, 8> escape;
+    std::snprintf(escape.data(), escape.size(), "\\x%02X", byte);
+    return escape.data();
+}
+
+std::string characterEscape(char32_t character)
+{
+    std::array<char, 16> escape;
+    std::snprintf(escape.data(), escape.size(), "\\u%04X", static_cast<unsigned int>(character));
+    return escape.data();
+}
+
+} // namespace
+
 std::string visible(const std::string& utf8)
 {
     std::string shown;
-    for (std::size_t i = 0; i < utf8.size(); ++i) {
-        const auto byte = static_cast<unsigned char>(utf8[i]);
-        char escape[8];
-        if (byte == '\n') {
-            shown += "\\n";
-        } else if (byte == '\t') {
-            shown += "\\t";
-        } else if (byte < 0x20 || byte == 0x7F) {
-            std::snprintf(escape, sizeof escape, "\\x%02X", byte);
-            shown += escape;
-        } else if (byte == 0xC2 && i + 1 < utf8.size() && static_cast<unsigned char>(utf8[i + 1]) < 0xA0) {
-            // The second set of control characters, U+0080 to U+009F.
-            std::snprintf(escape, sizeof escape, "\\x%02X", static_cast<unsigned char>(utf8[++i]));
-            shown += escape;
-        } else {
-            shown += utf8[i];
+    for (std::size_t i = 0; i < utf8.size();) {
+        const Decoded next = decode(utf8, i);
+        if (next.length == 0) {
+            shown += byteEscape(static_cast<unsigned char>(utf8[i++]));
+            continue;
         }
+        switch (next.character) {
+        case '\n': shown += "\\n"; break;
+        case '\r': shown += "\\r"; break;
+        case '\t': shown += "\\t"; break;
+        default:
+            if (isControl(next.character)) {
+                shown += next.length == 1 ? byteEscape(static_cast<unsigned char>(next.character))
+                                          : characterEscape(next.character);
+            } else {
+                shown.append(utf8, i, next.length);
+            }
+        }
+        i += next.length;
     }
     return shown;
 }
 
-/// Writes to a file descriptor and remembers the first error.
+std::string shortened(const I18NString& text)
+{
+    constexpr int kMaxUnits = 60;
+    if (text.length() <= kMaxUnits) {
+        return text.toUtf8();
+    }
+    // Not within a surrogate pair.
+    const char16_t last = text.charAt(kMaxUnits - 1);
+    const int length = last >= 0xD800 && last <= 0xDBFF ? kMaxUnits - 1 : kMaxUnits;
+    return text.substring(0, length).toUtf8() + "...";
+}
+
+/// Writes to a file descriptor, which becomes its own, and remembers the first error.
 class Output::Buffer : public std::streambuf
 {
 public:
@@ -76,7 +153,7 @@ public:
 
     void close()
     {
-        if (m_descriptor > STDERR_FILENO && ::close(m_descriptor) != 0 && m_error == 0) {
+        if (m_descriptor >= 0 && ::close(m_descriptor) != 0 && m_error == 0) {
             m_error = errno;
         }
         m_descriptor = -1;
@@ -103,11 +180,40 @@ private:
 
 namespace {
 
-/// Where a name leads through links; the name itself where there is nothing yet.
-std::string resolved(const std::string& name)
+constexpr int kMaxLinks = 40;
+
+/// The temporary file that there is, for whoever is interrupted. A lock-free atomic, as signal handlers need it.
+std::atomic<const char*> temporaryFile{nullptr};
+
+void removeTemporaryFile(int signal)
 {
-    const std::unique_ptr<char, void (*)(void*)> path(::realpath(name.c_str(), nullptr), std::free);
-    return path != nullptr ? path.get() : name;
+    const char* const name = temporaryFile;
+    if (name != nullptr) {
+        ::unlink(name);
+    }
+    std::signal(signal, SIG_DFL);
+    std::raise(signal);
+}
+
+void watchForSignals()
+{
+    for (const int signal : {SIGHUP, SIGINT, SIGTERM}) {
+        // What the caller had ignored, as nohup has, stays so.
+        if (std::signal(signal, removeTemporaryFile) == SIG_IGN) {
+            std::signal(signal, SIG_IGN);
+        }
+    }
+}
+
+/// The number of the open descriptor that a path stands for, such as /dev/fd/3; -1 where it is another path. Their
+/// files are never replaced: what the shell opened for appending would lose all that it holds.
+int openDescriptor(const fs::path& path)
+{
+    std::error_code error;
+    const std::string number = path.filename();
+    const bool isOne = !number.empty() && number.find_first_not_of("0123456789") == std::string::npos
+                       && fs::equivalent(path.parent_path(), "/proc/self/fd", error);
+    return isOne ? std::atoi(number.c_str()) : -1;
 }
 
 mode_t modeOfNewFiles()
@@ -119,33 +225,9 @@ mode_t modeOfNewFiles()
 
 } // namespace
 
-Output::Output(const std::string& name) : m_name(name), m_target(resolved(name))
+Output::Output(const std::string& name) : m_name(name)
 {
-    int descriptor = STDOUT_FILENO;
-    if (!name.empty()) {
-        struct stat status = {};
-        const bool exists = ::stat(m_target.c_str(), &status) == 0;
-        if (!exists || S_ISREG(status.st_mode)) {
-            // A file that may not be written stays what it is, even where its folder would let us replace it.
-            if (exists && ::access(m_target.c_str(), W_OK) != 0) {
-                fail(errno);
-            }
-            m_temporary = m_target + ".XXXXXX";
-            descriptor = ::mkstemp(m_temporary.data());
-            if (descriptor < 0) {
-                const int error = errno;
-                m_temporary.clear();
-                fail(error);
-            }
-            ::fchmod(descriptor, exists ? status.st_mode & 07777 : modeOfNewFiles());
-        } else {
-            descriptor = ::open(m_target.c_str(), O_WRONLY | O_CLOEXEC);
-            if (descriptor < 0) {
-                fail(errno);
-            }
-        }
-    }
-    m_buffer = std::make_unique<Buffer>(descriptor);
+    m_buffer = std::make_unique<Buffer>(open());
     m_stream = std::make_unique<std::ostream>(m_buffer.get());
 }
 
@@ -154,6 +236,75 @@ Output::~Output()
     if (!m_temporary.empty()) {
         ::unlink(m_temporary.c_str());
     }
+    temporaryFile = nullptr;
+}
+
+/// Opens where the name leads through links, also through those that lead to nothing yet.
+int Output::open()
+{
+    if (m_name == "-") {
+        return STDOUT_FILENO;
+    }
+    fs::path target = m_name;
+    std::error_code error;
+    for (int links = 0; links < kMaxLinks; ++links) {
+        const int descriptor = openDescriptor(target);
+        if (descriptor >= 0) {
+            const int copy = ::dup(descriptor);
+            if (copy < 0) {
+                fail(errno);
+            }
+            return copy;
+        }
+        const fs::path link = fs::read_symlink(target, error);
+        if (error) {
+            break;
+        }
+        target = target.parent_path() / link;
+    }
+    m_target = target;
+
+    struct stat status = {};
+    if (::stat(m_target.c_str(), &status) != 0) {
+        if (errno != ENOENT || m_target.empty()) {
+            fail(errno);
+        }
+        const int descriptor = openTemporary();
+        ::fchmod(descriptor, modeOfNewFiles());
+        return descriptor;
+    }
+    if (!S_ISREG(status.st_mode)) {
+        const int descriptor = ::open(m_target.c_str(), O_WRONLY | O_CLOEXEC);
+        if (descriptor < 0) {
+            fail(errno);
+        }
+        return descriptor;
+    }
+    // A file that may not be written stays what it is, even where its folder would let us replace it.
+    if (::access(m_target.c_str(), W_OK) != 0) {
+        fail(errno);
+    }
+    const int descriptor = openTemporary();
+    // Nobody's program begins to run as somebody else, so the bits that make it do so stay with the owner only. File
+    // systems without permissions refuse both calls, which leaves the file to us alone.
+    const bool isOwnerKept = ::fchown(descriptor, status.st_uid, status.st_gid) == 0;
+    ::fchmod(descriptor, status.st_mode & (isOwnerKept ? 07777 : 0777));
+    return descriptor;
+}
+
+int Output::openTemporary()
+{
+    m_temporary = fs::path(m_target).replace_filename(".qrmxml-XXXXXX");
+    temporaryFile = m_temporary.c_str();
+    watchForSignals();
+    const int descriptor = ::mkstemp(m_temporary.data());
+    if (descriptor < 0) {
+        const int error = errno;
+        m_temporary.clear();
+        temporaryFile = nullptr;
+        fail(error);
+    }
+    return descriptor;
 }
 
 std::ostream& Output::stream()
@@ -181,5 +332,5 @@ void Output::commit()
 
 void Output::fail(int error) const
 {
-    throw Trouble(m_name.empty() ? "<stdout>" : m_name, std::string("cannot write: ") + std::strerror(error));
+    throw Trouble(m_name == "-" ? "<stdout>" : m_name, std::string("cannot write: ") + std::strerror(error));
 }

@@ -6,6 +6,8 @@
 #include <stdexcept>
 #include <string>
 
+#include <QRMCore/I18NString.h>
+
 /// What keeps the tool from doing its work, and which file it has to do with.
 class Trouble : public std::runtime_error
 {
@@ -25,11 +27,16 @@ class ReaderGone
 /// Prints "NAME: error: TEXT" to standard error, with line and column where they are known (not 0).
 void reportError(const std::string& name, const std::string& text, int line = 0, int column = 0);
 
-/// Text for people: control characters and what else might disturb a terminal as escapes.
+/// Text for people: control characters, marks that turn the direction of writing, and bytes that are no UTF-8 as
+/// escapes.
 std::string visible(const std::string& utf8);
 
+/// The beginning of a text, 60 code units at most, with "..." where it goes on.
+std::string shortened(const I18NString& text);
+
 /// A place to write to. A regular file gets its new content when all of it is there, and stays what it was when
-/// anything fails; pipes, devices and standard output (an empty name) are written as the bytes come.
+/// anything fails or a signal ends the tool; pipes, devices, open descriptors (/dev/fd) and standard output ("-") are
+/// written as the bytes come.
 class Output
 {
 public:
@@ -50,6 +57,8 @@ public:
 private:
     class Buffer;
 
+    int open();
+    int openTemporary();
     [[noreturn]] void fail(int error) const;
 
     std::string m_name;      // as the user gave it

@@ -7,34 +7,34 @@
 
 namespace {
 
-constexpr int kMaxText = 60; // code units of a text that are shown
-
-std::string shortened(const I18NString& text)
+std::string nameOf(const QRMIDOM_Node& node)
 {
-    if (text.length() <= kMaxText) {
-        return visible(text.toUtf8());
-    }
-    // Not within a surrogate pair.
-    const char16_t last = text.charAt(kMaxText - 1);
-    const int length = last >= 0xD800 && last <= 0xDBFF ? kMaxText - 1 : kMaxText;
-    return visible(text.substring(0, length).toUtf8()) + "...";
+    return visible(node.getNodeName().toUtf8());
 }
 
-std::string quoted(const char* kind, const I18NString& text)
+/// The beginning of a text in quotes. A backslash always begins an escape, and a quote without one ends the text.
+std::string quoted(const I18NString& text)
 {
-    return std::string(kind) + " \"" + shortened(text) + "\"";
+    std::string quoted = "\"";
+    for (const char unit : shortened(text)) {
+        if (unit == '"' || unit == '\\') {
+            quoted += '\\';
+        }
+        quoted += unit;
+    }
+    return visible(quoted) + '"';
 }
 
 std::string element(const QRMIDOM_Node& node)
 {
-    std::string line = "element " + node.getNodeName().toUtf8();
+    std::string line = "element " + nameOf(node);
     if (!node.getNamespaceURI().empty()) {
         line += " {" + visible(node.getNamespaceURI().toUtf8()) + "}";
     }
     const QRMIDOM_NamedNodeMap attributes = node.getAttributes();
     for (unsigned long i = 0; i < attributes.getLength(); ++i) {
         const QRMIDOM_Attr attribute = attributes.item(i);
-        line += " " + attribute.getName().toUtf8() + "=\"" + shortened(attribute.getValue()) + "\"";
+        line += " " + nameOf(attribute) + "=" + quoted(attribute.getValue());
         if (!attribute.getSpecified()) {
             line += " (default)";
         }
@@ -44,12 +44,12 @@ std::string element(const QRMIDOM_Node& node)
 
 std::string doctype(const QRMIDOM_DocumentType& type)
 {
-    std::string line = "doctype " + type.getName().toUtf8();
+    std::string line = "doctype " + nameOf(type);
     if (!type.getPublicId().empty()) {
-        line += quoted(" public", type.getPublicId());
+        line += " public " + quoted(type.getPublicId());
     }
     if (!type.getSystemId().empty()) {
-        line += quoted(" system", type.getSystemId());
+        line += " system " + quoted(type.getSystemId());
     }
     return line;
 }
@@ -58,14 +58,14 @@ std::string describe(const QRMIDOM_Node& node)
 {
     switch (node.getNodeType()) {
     case 1: return element(node);
-    case 3: return quoted("text", node.getNodeValue());
-    case 4: return quoted("cdata", node.getNodeValue());
-    case 5: return "reference &" + node.getNodeName().toUtf8() + ";";
-    case 7: return quoted(("instruction " + node.getNodeName().toUtf8()).c_str(), node.getNodeValue());
-    case 8: return quoted("comment", node.getNodeValue());
+    case 3: return "text " + quoted(node.getNodeValue());
+    case 4: return "cdata " + quoted(node.getNodeValue());
+    case 5: return "reference &" + nameOf(node) + ";";
+    case 7: return "instruction " + nameOf(node) + " " + quoted(node.getNodeValue());
+    case 8: return "comment " + quoted(node.getNodeValue());
     case 9: return "document";
     case 10: return doctype(node);
-    default: return visible(node.getNodeName().toUtf8());
+    default: return nameOf(node);
     }
 }
 
@@ -81,24 +81,12 @@ int runTree(const TreeOptions& options)
         return status;
     }
 
-    Output output("");
+    Output output("-");
     QRMIDOM_Node node = document;
-    for (int depth = 0;;) {
+    int depth = 0;
+    do {
         output.stream() << std::string(2 * static_cast<std::size_t>(depth), ' ') << describe(node) << '\n';
-        if (depth != options.depth && node.hasChildNodes()) {
-            node = node.getFirstChild();
-            ++depth;
-            continue;
-        }
-        while (depth > 0 && node.getNextSibling().isNull()) {
-            node = node.getParentNode();
-            --depth;
-        }
-        if (depth == 0) {
-            break;
-        }
-        node = node.getNextSibling();
-    }
+    } while (output.stream().good() && moveOn(node, depth, depth != options.depth));
     output.commit();
     return kDone;
 }
