@@ -76,7 +76,9 @@ I18NString::I18NString(I18NString&& other) noexcept : I18NString()
 
 I18NString& I18NString::operator=(const I18NString& other)
 {
-    set(other.m_units, other.m_length);
+    if (this != &other) {
+        set(other.m_units, other.m_length);
+    }
     return *this;
 }
 
