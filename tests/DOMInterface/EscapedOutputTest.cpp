@@ -1,5 +1,7 @@
+#include <climits>
 #include <cstdio>
 #include <fstream>
+#include <memory>
 
 #include <unistd.h>
 
@@ -92,6 +94,15 @@ TEST(EscapedOutput, StopsAtTheFirstZeroByte)
     EXPECT_EQ(escapedCalls(I18NString("ab"), "UTF-16BE"), (Calls{""}));
 }
 
+TEST(EscapedOutput, StopsAtAZeroByteAlsoBetweenReferences)
+{
+    const char16_t before[] = {u'a', 0, u'b', u'\u0416', u'c'};
+    EXPECT_EQ(escapedCalls(I18NString(before, sizeof before, nullptr, nullptr), "ISO-8859-1"), (Calls{"a"}));
+    const char16_t after[] = {u'\u0416', u'a', 0, u'\u0417', u'b'};
+    EXPECT_EQ(escapedCalls(I18NString(after, sizeof after, nullptr, nullptr), "ISO-8859-1"),
+              (Calls{"", "&#1046;", "a"}));
+}
+
 TEST(EscapedOutput, PutsReferencesForCharactersThatTheEncodingLacks)
 {
     EXPECT_EQ(escapedCalls(I18NString(u"\u0416"), "US-ASCII"), (Calls{"", "&#1046;", ""}));
@@ -153,6 +164,32 @@ TEST(FindSpecialChar, FindsTheFirstMarkupCharacterInItsRange)
         EXPECT_EQ(QRMIDOM_Helper::findSpecialChar(special, 0, 1), 0);
     }
     EXPECT_EQ(QRMIDOM_Helper::findSpecialChar("\xBC\xBE\xA6", 0, 3), -1);
+}
+
+TEST(FindSpecialChar, FindsNothingInARangeThatEndsBeforeItStarts)
+{
+    EXPECT_EQ(QRMIDOM_Helper::findSpecialChar("<<<", 2, 2), -1);
+    EXPECT_EQ(QRMIDOM_Helper::findSpecialChar("<<<", 2, -2), -1);
+    EXPECT_EQ(QRMIDOM_Helper::findSpecialChar("<<<", 2000000000, -2000000000), -1);
+    EXPECT_EQ(QRMIDOM_Helper::findSpecialChar("<<<", INT_MAX, INT_MIN), -1);
+}
+
+TEST(FindSpecialChar, FindsACharacterAtEveryPlaceOfALongText)
+{
+    for (int length = 1; length <= 70; ++length) {
+        for (int place = 0; place < length; ++place) {
+            std::string text(static_cast<std::size_t>(length), '=');
+            text[static_cast<std::size_t>(place)] = "<>&'\""[place % 5];
+            const std::unique_ptr<char[]> exact(new char[text.size()]); // no byte beyond, and none looked at
+            std::memcpy(exact.get(), text.data(), text.size());
+            for (const int start : {0, 1, place, place + 1}) {
+                ASSERT_EQ(QRMIDOM_Helper::findSpecialChar(exact.get(), start, length),
+                          start <= place ? place : -1)
+                    << length << " " << place << " " << start;
+            }
+            ASSERT_EQ(QRMIDOM_Helper::findSpecialChar(exact.get(), 0, place), -1) << length << " " << place;
+        }
+    }
 }
 
 class NodeOutput : public testing::Test

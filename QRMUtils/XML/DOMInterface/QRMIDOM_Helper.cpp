@@ -179,7 +179,7 @@ void QRMIDOM_Helper::writeNoEscape(std::FILE* file, const char* text, const char
 
 int QRMIDOM_Helper::findSpecialChar(const char* text, int start, int end)
 {
-    if (text == nullptr) {
+    if (text == nullptr || start >= end) {
         return -1;
     }
     for (int i = plainBlocks(text, start, end); i < end; ++i) {

@@ -143,11 +143,9 @@ public:
 
 namespace {
 
-std::unique_ptr<DOM_ParserImpl> makeParser(int grammarCaching, ErrorHandlerImpl* errorHandler,
-                                           QRMFileLocation site)
+std::unique_ptr<DOM_ParserImpl> makeParser(int grammarCaching, QRMFileLocation site)
 {
     std::unique_ptr<DOM_ParserImpl> parser(qrm::allocated(site, [] { return new DOM_ParserImpl; }));
-    parser->setErrorHandler(errorHandler);
     parser->setDoNamespaces(true);
     parser->setIncludeIgnorableWhitespace(true);
     if (grammarCaching == kCacheGrammars) {
@@ -161,10 +159,10 @@ std::unique_ptr<DOM_ParserImpl> makeParser(int grammarCaching, ErrorHandlerImpl*
 
 QRMIDOM_Parser::QRMIDOM_Parser(int grammarCaching) : m_grammarCaching(grammarCaching)
 {
-    std::unique_ptr<ErrorHandlerImpl> errorHandler(
-        qrm::allocated(QRM_SITE(62), [] { return new (std::nothrow) ErrorHandlerImpl; }));
-    m_parserImpl = makeParser(grammarCaching, errorHandler.get(), QRM_SITE(61)).release();
-    m_errorHandler = errorHandler.release();
+    auto parser = makeParser(grammarCaching, QRM_SITE(61));
+    m_errorHandler = qrm::allocated(QRM_SITE(62), [] { return new (std::nothrow) ErrorHandlerImpl; });
+    parser->setErrorHandler(m_errorHandler);
+    m_parserImpl = parser.release();
 }
 
 QRMIDOM_Parser::~QRMIDOM_Parser()
@@ -265,7 +263,8 @@ int QRMIDOM_Parser::recordFailure(int code, int line, const XMLCh* text)
 void QRMIDOM_Parser::replaceSpentParser()
 {
     if (m_parserImpl->isSpent) {
-        auto fresh = makeParser(m_grammarCaching, m_errorHandler, QRM_SITE_HERE);
+        auto fresh = makeParser(m_grammarCaching, QRM_SITE_HERE);
+        fresh->setErrorHandler(m_errorHandler);
         fresh->takeSettings(*m_parserImpl);
         delete m_parserImpl;
         m_parserImpl = fresh.release();

@@ -70,10 +70,13 @@ void writeWithReferences(DomWriter& writer, const I18NConverter& converter, cons
     for (int start = 0;;) {
         const int index = converter.firstUnexpressible(text, start);
         const I18NString piece = text.substring(start, index >= 0 ? index - start : -1);
-        const std::unique_ptr<char[]> bytes(
-            piece.toBytes(converter, nullptr, QRMI18NStringAllocator, nullptr));
-        writeEscaped(writer, bytes.get(), std::strlen(bytes.get()));
-        if (index < 0) {
+        int size = 0; // with the null at the end
+        const std::unique_ptr<char[]> bytes(piece.toBytes(converter, &size, QRMI18NStringAllocator, nullptr));
+        const std::size_t length = std::strlen(bytes.get());
+        writeEscaped(writer, bytes.get(), length);
+        const bool endsAtZeroByte =
+            length + static_cast<std::size_t>(converter.sizeofLegacyNull()) < static_cast<std::size_t>(size);
+        if (index < 0 || endsAtZeroByte) {
             return;
         }
         const char32_t character = characterAt(text, index);
