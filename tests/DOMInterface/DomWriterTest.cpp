@@ -205,7 +205,9 @@ TEST(DomWriter, LetsTheErrorThroughWhereAReferenceWouldBeNone)
                                   document.createCDATASection(u"\u0416"),
                                   document.createProcessingInstruction("t", u"\u0416"),
                                   document.createEntityReference(u"\u0416")};
-    for (QRMIDOM_Node node : nodes) {
+    const Calls before[] = {{"<"}, {"<!--"}, {"<![CDATA["}, {"<?", "t", " "}, {"&"}};
+    for (std::size_t i = 0; i < std::size(nodes); ++i) {
+        QRMIDOM_Node node = nodes[i];
         RecordingWriter writer("ISO-8859-1");
         try {
             writer << node;
@@ -213,9 +215,50 @@ TEST(DomWriter, LetsTheErrorThroughWhereAReferenceWouldBeNone)
         } catch (const I18NConversionError& error) {
             EXPECT_STREQ(error.getText(), "cannot express U+0416 in ISO-8859-1 (unit 0)");
         }
-        EXPECT_FALSE(writer.calls.empty()) << "what was written before stays";
+        EXPECT_EQ(writer.calls, before[i]) << "what was written before stays";
         EXPECT_EQ(sharesOf(document), 7u);
     }
+}
+
+TEST(DomWriter, LetsTheErrorThroughForTheNamesOfAttributesAndDeclarations)
+{
+    const auto callsUntilError = [](QRMIDOM_Node node) {
+        RecordingWriter writer("ISO-8859-1");
+        EXPECT_THROW(writer << node, I18NConversionError);
+        return writer.calls;
+    };
+    EXPECT_EQ(callsUntilError(rootOf(documentOf("<a b='\u0416' \u0416='v'/>"))),
+              (Calls{"<", "a", " ", "b", "=\"", "", "&#1046;", "", "\"", " "}));
+    EXPECT_EQ(callsUntilError(rootOf(documentOf("<a><b/><\u0416/></a>"))),
+              (Calls{"<", "a", ">", "<", "b", "/>", "<"}));
+    const QRMIDOM_Document document =
+        documentOf("<!DOCTYPE a [<!NOTATION n SYSTEM 'x'><!ENTITY u SYSTEM '\u0416' NDATA n>]><a/>");
+    EXPECT_EQ(callsUntilError(document.getDoctype()), (Calls{"<!DOCTYPE ", "a", "["}));
+    EXPECT_EQ(callsUntilError(document.getDoctype().getEntities().item(0)),
+              (Calls{"<!ENTITY ", "u", " SYSTEM \""}));
+    EXPECT_EQ(callsUntilError(document),
+              (Calls{"<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>\n", "<!DOCTYPE ", "a", "["}));
+}
+
+TEST(DomWriter, CutsEscapedTextInEncodingsWithZeroBytes)
+{
+    const QRMIDOM_Document document = documentOf("<ab>cd<![CDATA[ef]]></ab>");
+    EXPECT_EQ(callsFor(rootOf(document), "UTF-16LE"),
+              (Calls{"<", "a", ">", "c", "<![CDATA[", std::string("e\0f\0", 4), "]]>", "</", "a", ">"}));
+    EXPECT_EQ(callsFor(rootOf(document), "UTF-16BE"),
+              (Calls{"<", "", ">", "", "<![CDATA[", std::string("\0e\0f", 4), "]]>", "</", "", ">"}));
+}
+
+TEST(DomWriter, TakesANameOfAnyLengthForTheEncoding)
+{
+    const std::string name(100000, 'x');
+    RecordingWriter writer(name.c_str());
+    EXPECT_EQ(writer.getXMLHeader(), "<?xml version=\"1.0\" encoding=\"" + name + "\"?>\n");
+    EXPECT_EQ(writer.getOutputEncoding(), name);
+    QRMIDOM_Node text = emptyDocument().createTextNode("t");
+    EXPECT_THROW(writer << text, I18NConversionError);
+    EXPECT_EQ(writer.calls, Calls());
+    EXPECT_STREQ(RecordingWriter("").getXMLHeader(), "<?xml version=\"1.0\" encoding=\"\"?>\n");
 }
 
 TEST(DomWriter, LetsTheErrorThroughForALoneSurrogate)
@@ -262,23 +305,34 @@ class Reference
 {
 public:
     Calls calls;
+    std::string header = kHeader;
+
+    /// @param highest the last character that the encoding has
+    /// @param encode gives the bytes of a character up to that one
+    Reference(char32_t highest, std::string (*encode)(char32_t)) : m_highest(highest), m_encode(encode) {}
 
     void escaped(const I18NString& text)
     {
         std::string run;
-        for (const char byte : text.toUtf8()) {
-            const char* const entity = byte == '<'    ? "&lt;"
-                                       : byte == '>'  ? "&gt;"
-                                       : byte == '&'  ? "&amp;"
-                                       : byte == '\'' ? "&apos;"
-                                       : byte == '"'  ? "&quot;"
-                                                      : nullptr;
-            if (entity != nullptr) {
-                calls.push_back(run);
-                calls.emplace_back(entity);
-                run.clear();
+        for (int i = 0; i < text.length(); ++i) {
+            char32_t character = text.charAt(i);
+            if (character >= 0xD800 && character < 0xE000) {
+                ++i;
+                character = 0x10000 + (character - 0xD800) * 0x400 + (text.charAt(i) - 0xDC00u);
+            }
+            const std::string entity =
+                character == '<'        ? "&lt;"
+                : character == '>'      ? "&gt;"
+                : character == '&'      ? "&amp;"
+                : character == '\''     ? "&apos;"
+                : character == '"'      ? "&quot;"
+                : character > m_highest ? "&#" + std::to_string(static_cast<unsigned long>(character)) + ";"
+                                        : "";
+            if (entity.empty()) {
+                run += m_encode(character);
             } else {
-                run += byte;
+                calls.insert(calls.end(), {run, entity});
+                run.clear();
             }
         }
         calls.push_back(run);
@@ -292,6 +346,9 @@ public:
             escaped(node.getNodeName());
             const QRMIDOM_NamedNodeMap attributes = node.getAttributes();
             for (unsigned long i = 0; i < attributes.getLength(); ++i) {
+                if (!QRMIDOM_Attr(attributes.item(i)).getSpecified()) {
+                    continue;
+                }
                 calls.emplace_back(" ");
                 escaped(attributes.item(i).getNodeName());
                 calls.emplace_back("=\"");
@@ -310,6 +367,11 @@ public:
             return;
         }
         case 3: escaped(node.getNodeValue()); return;
+        case 5:
+            calls.emplace_back("&");
+            escaped(node.getNodeName());
+            calls.emplace_back(";");
+            return;
         case 4: calls.insert(calls.end(), {"<![CDATA[", node.getNodeValue().toUtf8(), "]]>"}); return;
         case 7:
             calls.emplace_back("<?");
@@ -325,8 +387,20 @@ public:
             escaped(node.getNodeValue());
             calls.emplace_back("-->");
             return;
+        case 10: {
+            const QRMIDOM_DocumentType doctype = node;
+            calls.emplace_back("<!DOCTYPE ");
+            escaped(doctype.getName());
+            if (!doctype.getInternalSubset().empty()) {
+                calls.emplace_back("[");
+                escaped(doctype.getInternalSubset());
+                calls.emplace_back("]");
+            }
+            calls.emplace_back(">\n");
+            return;
+        }
         case 9:
-            calls.emplace_back(kHeader);
+            calls.emplace_back(header);
             children(node);
             calls.emplace_back("(endline)");
             return;
@@ -341,46 +415,111 @@ private:
             write(child);
         }
     }
+
+    char32_t m_highest;
+    std::string (*m_encode)(char32_t);
+};
+
+std::string utf8Of(char32_t character)
+{
+    const char16_t pair[] = {static_cast<char16_t>(0xD7C0 + (character >> 10)),
+                             static_cast<char16_t>(0xDC00 + (character & 0x3FF)), 0};
+    const char16_t single[] = {static_cast<char16_t>(character), 0};
+    return I18NString(character > 0xFFFF ? pair : single).toUtf8();
+}
+
+std::string byteOf(char32_t character)
+{
+    return std::string(1, static_cast<char>(character));
+}
+
+/// Trees of every kind of node that a tree may have, the same ones in every run.
+class RandomTrees
+{
+public:
+    /// @param names what elements, attributes and the other named nodes are called
+    /// @param plain pieces of text for the nodes in which no reference stands for a character
+    RandomTrees(std::vector<I18NString> names, std::vector<I18NString> plain)
+        : m_names(std::move(names)), m_plain(std::move(plain))
+    {
+    }
+
+    QRMIDOM_Document next()
+    {
+        QRMIDOM_Document document =
+            below(2) == 0
+                ? documentOf("<!DOCTYPE root [<!ENTITY e 'x'><!ATTLIST el d CDATA 'default'>]><root/>")
+                : documentOf("<root/>");
+        QRMIDOM_Node doctype = document.getDoctype();
+        if (!doctype.isNull() && below(2) == 0) {
+            document.removeChild(doctype);
+        }
+        document.appendChild(document.createComment(text(m_plain)));
+        std::vector<QRMIDOM_Element> elements = {document.getDocumentElement()};
+        for (unsigned step = below(60); step > 0; --step) {
+            QRMIDOM_Element parent = elements[below(static_cast<unsigned>(elements.size()))];
+            switch (below(8)) {
+            case 0:
+            case 1: parent.appendChild(document.createTextNode(text(m_any))); break;
+            case 2: parent.appendChild(document.createCDATASection(text(m_plain))); break;
+            case 3: parent.appendChild(document.createComment(text(m_plain))); break;
+            case 4: parent.appendChild(document.createProcessingInstruction("pi", text(m_plain))); break;
+            case 5: parent.setAttribute(name(), text(m_any)); break;
+            case 6: parent.appendChild(document.createEntityReference("e")); break;
+            default: elements.emplace_back(parent.appendChild(document.createElement(name()))); break;
+            }
+        }
+        return document;
+    }
+
+private:
+    unsigned below(unsigned limit) { return static_cast<unsigned>(m_random() % limit); }
+    const I18NString& name() { return m_names[below(static_cast<unsigned>(m_names.size()))]; }
+    I18NString text(const std::vector<I18NString>& pieces)
+    {
+        I18NString all;
+        for (unsigned i = below(6); i > 0; --i) {
+            all += pieces[below(static_cast<unsigned>(pieces.size()))];
+        }
+        return all;
+    }
+
+    static constexpr unsigned kSeed = 20240229;
+
+    std::mt19937 m_random{kSeed};
+    std::vector<I18NString> m_names;
+    std::vector<I18NString> m_plain;
+    const std::vector<I18NString> m_any = {
+        u"",       u"<",          u">",       u"&",
+        u"'",      u"\"",         u"plain ",  u"\u00e9",
+        u"\u0416", u"\U0001F600", u"\u00ff ", u"a rather longer piece of text, beyond every short string "};
 };
 
 TEST(DomWriter, MakesTheCallsOfTheRecursiveDescriptionOnAnyTree)
 {
-    std::mt19937 random(20240229);
-    const auto below = [&](unsigned limit) { return static_cast<unsigned>(random() % limit); };
-    const auto text = [&] {
-        const char16_t* const pieces[] = {
-            u"",           u"<",
-            u">",          u"&",
-            u"'",          u"\"",
-            u"plain ",     u"\u0416",
-            u"\U0001F600", u"a rather longer piece of text, beyond every short string "};
-        I18NString all;
-        for (unsigned i = below(6); i > 0; --i) {
-            all += pieces[below(10)];
-        }
-        return all;
-    };
+    RandomTrees trees({u"n", u"el", u"\u0416", u"p:\u00e9"},
+                      {u"", u"<&>", u"plain ", u"\u0416", u"\U0001F600'\""});
     for (int tree = 0; tree < 500; ++tree) {
-        QRMIDOM_Document document = emptyDocument();
-        QRMIDOM_Element root = document.createElement("root");
-        document.appendChild(root);
-        std::vector<QRMIDOM_Element> elements = {root};
-        for (unsigned step = below(60); step > 0; --step) {
-            QRMIDOM_Element parent = elements[below(static_cast<unsigned>(elements.size()))];
-            switch (below(6)) {
-            case 0: parent.appendChild(document.createTextNode(text())); break;
-            case 1: parent.appendChild(document.createCDATASection(text())); break;
-            case 2: parent.appendChild(document.createComment(text())); break;
-            case 3: parent.appendChild(document.createProcessingInstruction("pi", text())); break;
-            case 4: parent.setAttribute(below(2) != 0 ? u"n" : u"\u0416", text()); break;
-            default:
-                elements.emplace_back(parent.appendChild(document.createElementNS("urn:u", "p:e")));
-                break;
-            }
-        }
-        Reference reference;
+        const QRMIDOM_Document document = trees.next();
+        Reference reference(0x10FFFF, utf8Of);
         reference.write(document);
         ASSERT_EQ(callsFor(document), reference.calls) << "tree " << tree;
+        ASSERT_EQ(callsFor(document, "UTF-8"), reference.calls) << "tree " << tree;
+    }
+}
+
+TEST(DomWriter, MakesTheCallsOfTheRecursiveDescriptionInANarrowEncoding)
+{
+    const std::pair<const char*, char32_t> encodings[] = {{"ISO-8859-1", 0xFF}, {"US-ASCII", 0x7F}};
+    for (const auto& [encoding, highest] : encodings) {
+        RandomTrees trees({u"n", u"el", u"longer-name"}, {u"", u"<&>", u"plain ", u"'\""});
+        for (int tree = 0; tree < 250; ++tree) {
+            const QRMIDOM_Document document = trees.next();
+            Reference reference(highest, byteOf);
+            reference.header = std::string("<?xml version=\"1.0\" encoding=\"") + encoding + "\"?>\n";
+            reference.write(document);
+            ASSERT_EQ(callsFor(document, encoding), reference.calls) << encoding << ", tree " << tree;
+        }
     }
 }
 

@@ -88,6 +88,41 @@ TEST(StreamInputSource, ReadsAFailedStreamAsFarAsItGives)
     EXPECT_EQ(Stream(StreamInputSource(failed).makeStream())->readBytes(&byte, 1), 0u);
 }
 
+TEST(StreamInputSource, TellsThePositionInThirtyTwoBits)
+{
+    class Far : public std::streambuf
+    {
+    public:
+        std::streamoff position = 0;
+
+    protected:
+        pos_type seekoff(off_type, std::ios::seekdir, std::ios::openmode) override { return position; }
+    };
+    Far buffer;
+    std::istream in(&buffer);
+    const Stream stream(StreamInputSource(in).makeStream());
+    for (const auto& [position, told] :
+         {std::pair<std::streamoff, XMLFilePos>{4294967295, 4294967295}, {4294967296, 0}, {4294967301, 5}}) {
+        buffer.position = position;
+        EXPECT_EQ(stream->curPos(), told);
+    }
+    in.setstate(std::ios::failbit);
+    EXPECT_EQ(stream->curPos(), 4294967295u) << "a stream that has failed is nowhere, -1";
+}
+
+TEST(StreamInputSource, MakesAnyNumberOfStreamsOverTheSameOne)
+{
+    std::istringstream in("abcdef");
+    const StreamInputSource source(in);
+    const Stream first(source.makeStream());
+    XMLByte bytes[4] = {};
+    EXPECT_EQ(first->readBytes(bytes, 2), 2u);
+    const Stream second(source.makeStream());
+    EXPECT_EQ(second->curPos(), 2u);
+    EXPECT_EQ(second->readBytes(bytes, 2), 2u);
+    EXPECT_EQ(std::memcmp(bytes, "cd", 2), 0);
+}
+
 TEST(WQSStreamInputSource, DeliversTheBytesOfAStreamAndCountsThem)
 {
     TextStream in("0123456789", 4);
@@ -114,6 +149,167 @@ TEST(WQSStreamInputSource, TakesAnErrorForTheEnd)
     EXPECT_EQ(stream.readBytes(&byte, 1), 0u);
     EXPECT_EQ(stream.curPos(), 0u);
     EXPECT_EQ(byte, 'x');
+}
+
+/// Says what it is told to say and notes what it is asked for; it delivers nothing.
+class SayingStream : public WQSInputStream
+{
+public:
+    using WQSInputStream::read;
+
+    int read(QRMByteBuffer&, int) override { return -1; }
+    int read(char*, int count) override
+    {
+        asked = count;
+        return answer;
+    }
+    int read() override { return -1; }
+    void close() override {}
+    int answer = 0;
+    int asked = 0;
+};
+
+TEST(WQSStreamInputSource, AsksForNoMoreThanAnIntCanCount)
+{
+    SayingStream in;
+    BinWQSInputStream stream(in);
+    XMLByte byte = 0;
+    stream.readBytes(&byte, 5);
+    EXPECT_EQ(in.asked, 5);
+    stream.readBytes(&byte, 0x80000000);
+    EXPECT_EQ(in.asked, 0x7FFFFFFF);
+}
+
+TEST(WQSStreamInputSource, CountsInThirtyTwoBits)
+{
+    SayingStream in;
+    BinWQSInputStream stream(in);
+    XMLByte byte = 0;
+    in.answer = 0x7FFFFFFF;
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_EQ(stream.readBytes(&byte, 0x7FFFFFFF), 0x7FFFFFFFu);
+    }
+    EXPECT_EQ(stream.curPos(), 0xFFFFFFFEu);
+    EXPECT_EQ(stream.readBytes(&byte, 0x7FFFFFFF), 0x7FFFFFFFu);
+    EXPECT_EQ(stream.curPos(), 0x7FFFFFFDu);
+    for (const int answer : {0, -1, -2147483647 - 1}) {
+        in.answer = answer;
+        EXPECT_EQ(stream.readBytes(&byte, 1), 0u);
+        EXPECT_EQ(stream.curPos(), 0x7FFFFFFDu);
+    }
+}
+
+/// Looks at the position of the byte stream when Xerces is done with it.
+class WatchedSource : public xercesc::InputSource
+{
+public:
+    explicit WatchedSource(const xercesc::InputSource& source) : m_source(source) {}
+    xercesc::BinInputStream* makeStream() const override
+    {
+        ++streams;
+        return new Watched(Stream(m_source.makeStream()), *this);
+    }
+    mutable XMLFilePos delivered = 0;
+    mutable XMLFilePos position = 0;
+    mutable int streams = 0;
+
+private:
+    class Watched : public xercesc::BinInputStream
+    {
+    public:
+        Watched(Stream stream, const WatchedSource& watcher) : m_stream(std::move(stream)), m_watcher(watcher)
+        {
+        }
+        ~Watched() override { m_watcher.position = m_stream->curPos(); }
+        XMLFilePos curPos() const override { return m_stream->curPos(); }
+        XMLSize_t readBytes(XMLByte* const toFill, const XMLSize_t maxToRead) override
+        {
+            const XMLSize_t count = m_stream->readBytes(toFill, maxToRead);
+            m_watcher.delivered += count;
+            return count;
+        }
+        const XMLCh* getContentType() const override { return m_stream->getContentType(); }
+
+    private:
+        Stream m_stream;
+        const WatchedSource& m_watcher;
+    };
+
+    const xercesc::InputSource& m_source;
+};
+
+TEST(WQSStreamInputSource, HasCountedWhatXercesGotAfterAParse)
+{
+    const std::string text = "<a>" + std::string(200000, 'x') + "</a>";
+    TextStream in("skipped" + text, 1000);
+    char skipped[7];
+    EXPECT_EQ(in.read(skipped, 7), 7);
+    const WQSStreamInputSource source(in);
+    WatchedSource watched(source);
+    QRMIDOM_Parser parser;
+    QRMIDOM_Document document;
+    EXPECT_EQ(parser.parse(watched, document), 1) << parser.errorString();
+    EXPECT_EQ(watched.streams, 1);
+    EXPECT_EQ(watched.delivered, text.size());
+    EXPECT_EQ(watched.position, text.size());
+    EXPECT_FALSE(in.closed);
+}
+
+TEST(StreamSources, EndTheDocumentWhereTheStreamBreaksOff)
+{
+    TextStream broken("<a><b/>", 3);
+    QRMIDOM_Parser parser;
+    QRMIDOM_Document document;
+    EXPECT_EQ(parser.parse(broken, document), 0);
+    EXPECT_EQ(parser.getErrorCode(), -1);
+    EXPECT_EQ(parser.errorString(),
+              I18NString("input ended before all started tags were ended; last tag started is 'a'"));
+    EXPECT_FALSE(broken.closed);
+}
+
+TEST(StreamSources, MakeAFailedParseOfWhatAStreamThrows)
+{
+    // They throw later than at the first bytes: Xerces would lose a few of its own there.
+    class Throwing : public TextStream
+    {
+    public:
+        using TextStream::read;
+        using TextStream::TextStream;
+        int read(char* dest, int count) override
+        {
+            const int length = TextStream::read(dest, count);
+            return length >= 0 ? length : throw QRMSystemError(5, "no more");
+        }
+    };
+    QRMIDOM_Parser parser;
+    QRMIDOM_Document document;
+    Throwing family("<a>", 3);
+    EXPECT_EQ(parser.parse(family, document), 0);
+    EXPECT_EQ(parser.getErrorCode(), -1);
+    EXPECT_TRUE(parser.errorString().empty());
+    EXPECT_FALSE(family.closed);
+
+    std::istringstream standard("<a>" + std::string(200000, 'x'));
+    standard.exceptions(std::ios::eofbit | std::ios::failbit);
+    EXPECT_EQ(parser.parse(standard, document), 0);
+    EXPECT_EQ(parser.getErrorCode(), -1);
+    EXPECT_TRUE(parser.errorString().empty());
+    EXPECT_EQ(parser.parse("<a/>", 4, document), 1);
+    EXPECT_EQ(sharesOf(document), 1u);
+}
+
+TEST(StreamSources, LeaveAStreamToTheCallerForMore)
+{
+    std::istringstream in("<a/>");
+    QRMIDOM_Parser parser;
+    QRMIDOM_Document document;
+    EXPECT_EQ(parser.parse(in, document), 1);
+    EXPECT_TRUE(in.eof());
+    EXPECT_EQ(parser.parse(in, document), 0) << "it is at its end";
+    EXPECT_EQ(parser.errorString(), I18NString("invalid document structure"));
+    in.clear();
+    in.seekg(0);
+    EXPECT_EQ(parser.parse(in, document), 1);
 }
 
 TEST(StreamSources, NameTheirPlacesWhenThereIsNoMemory)
