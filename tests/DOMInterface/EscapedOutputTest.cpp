@@ -3,6 +3,8 @@
 #include <fstream>
 #include <memory>
 
+#include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include "tests/support/RecordingWriter.h"
@@ -260,6 +262,70 @@ TEST_F(NodeOutput, FailsForAFileThatCannotBeOpened)
         }
     }
     EXPECT_EQ(sharesOf(document), 1u);
+}
+
+TEST_F(NodeOutput, LeavesAFileAloneThatMayNotBeWritten)
+{
+    std::ofstream(path) << "old";
+    ASSERT_EQ(::chmod(path.c_str(), 0444), 0);
+    const pid_t child = ::fork();
+    if (child == 0) {
+        // Root may write everything, so somebody else asks.
+        if (::geteuid() == 0 && ::seteuid(65534) != 0) {
+            ::_exit(2);
+        }
+        try {
+            QRMIDOM_Helper::write(document, path.c_str(), "UTF-8");
+        } catch (const QRMSystemError& error) {
+            const std::string expected =
+                "System error occured while trying to write (QRMIDOM_Helper::write): " + path;
+            ::_exit(error.getText() == expected ? 0 : 3);
+        }
+        ::_exit(1);
+    }
+    int status = 0;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), 0);
+    EXPECT_EQ(contentOf(path), "old");
+}
+
+TEST_F(NodeOutput, LeavesAStdioFileUnflushedAndOpen)
+{
+    std::FILE* const file = std::fopen(path.c_str(), "w");
+    ASSERT_NE(file, nullptr);
+    QRMIDOM_Helper::write(document, file, "UTF-8");
+    EXPECT_EQ(contentOf(path), "") << "the few bytes are still in its buffer";
+    QRMIDOM_Helper::write(file, "<", "UTF-8");
+    EXPECT_EQ(std::fclose(file), 0);
+    EXPECT_EQ(contentOf(path), "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<a>\u00e9</a>\n&lt;");
+}
+
+TEST_F(NodeOutput, LetsConversionErrorsThroughToStreamsAndFilesAsTheyAre)
+{
+    std::ostringstream stream;
+    try {
+        QRMIDOM_Helper::write(document, stream, "no-such-encoding");
+        FAIL() << "it was written";
+    } catch (const I18NConversionError& error) {
+        EXPECT_TRUE(error.getBackTrace().empty());
+    }
+    EXPECT_EQ(stream.str(), "<?xml version=\"1.0\" encoding=\"no-such-encoding\"?>\n<");
+    EXPECT_EQ(throughFile([&](std::FILE* file) {
+                  EXPECT_THROW(QRMIDOM_Helper::write(document, file, "no-such-encoding"),
+                               I18NConversionError);
+              }),
+              stream.str());
+    EXPECT_THROW(QRMIDOM_Helper::write(stream, "x", "no-such-encoding"), I18NConversionError);
+}
+
+TEST_F(NodeOutput, WritesOnIntoAStreamThatHasFailed)
+{
+    std::ostringstream stream;
+    stream.setstate(std::ios::badbit);
+    QRMIDOM_Helper::write(document, stream, "UTF-8");
+    EXPECT_TRUE(stream.bad()) << "nothing is cleared, nothing is thrown";
+    EXPECT_EQ(stream.str(), "");
 }
 
 TEST_F(NodeOutput, CutsTheTextForAVeryLongPath)

@@ -174,4 +174,37 @@ TEST(OutOfMemoryInAParser, ComesFromEveryPointAndLeavesTheParserUsable)
     EXPECT_GT(failures, 20);
 }
 
+TEST(OutOfMemoryInWriting, ComesFromXercesThroughThePathAsTheErrorOfTheFamily)
+{
+    XercesMemory memory;
+    QRMIDOM_Document document = emptyDocument();
+    QRMIDOM_Attr attribute = document.createAttribute("n");
+    // The value of an attribute in two pieces is put together when it is asked for.
+    attribute.appendChild(document.createTextNode(longText()));
+    attribute.appendChild(document.createTextNode(longText()));
+    QRMIDOM_Element element = document.createElement("a");
+    element.setAttributeNode(attribute);
+    const unsigned int before = sharesOf(document);
+    memory.failFrom(1);
+    try {
+        QRMIDOM_Helper::write(element, "/dev/null", "UTF-8");
+        memory.failFrom(0);
+        FAIL() << "it worked";
+    } catch (const QRMOutOfMemoryError& error) {
+        memory.failFrom(0);
+        EXPECT_EQ(error.getCode(), 300);
+        EXPECT_STREQ(error.getText(), "Out of memory");
+        ASSERT_EQ(error.getBackTrace().size(), 1u);
+        EXPECT_EQ(error.getBackTrace()[0].fileName, "QRMIDOM_Helper.cpp");
+        EXPECT_EQ(error.getBackTrace()[0].context, "QRMIDOM -> Xerces");
+        EXPECT_EQ(error.getBackTrace()[0].macroName, "QRM_THROW");
+    }
+    memory.failFrom(1);
+    std::ostringstream stream;
+    EXPECT_THROW(QRMIDOM_Helper::write(element, stream, "UTF-8"), xercesc::OutOfMemoryException);
+    memory.failFrom(0);
+    EXPECT_EQ(stream.str(), "<a n=\"") << "only the path translates, and what was written stays";
+    EXPECT_EQ(sharesOf(document), before);
+}
+
 } // namespace

@@ -169,6 +169,27 @@ INSTANTIATE_TEST_SUITE_P(
         BadInput{"UnknownEncoding", "<?xml version='1.0' encoding='nope-99'?><a/>", 1, 41,
                  "unable to create converter for 'NOPE-99' encoding"},
         BadInput{"InvalidUtf8", "<a>\xC3<", 1, 1, "invalid byte '<' at position 2 of a 2-byte sequence"},
+        BadInput{"Latin1WithoutADeclaration", "<a>\xE9t\xE9</a>", 1, 1,
+                 "invalid byte 't' at position 2 of a 3-byte sequence"},
+        BadInput{"Latin1DeclaredAsUtf8", "<?xml version='1.0' encoding='UTF-8'?><a>\xE9</a>", 1, 39,
+                 "invalid byte '<' at position 2 of a 3-byte sequence"},
+        BadInput{"Utf8DeclaredAsAscii", "<?xml version='1.0' encoding='US-ASCII'?><a>\xC3\xA9</a>", 1, 42,
+                 "char 0xC3 is not representable in 'US-ASCII' encoding"},
+        BadInput{"NoEncodingNamed", "<?xml version='1.0' encoding=''?><a/>", 1, 32,
+                 "invalid XML encoding declaration ''"},
+        BadInput{"EncodedSurrogate", "<a>\xED\xA0\x80</a>", 1, 1,
+                 "irregular bytes '\uFFFD' and '\uFFFD' of a 3-byte sequence"},
+        BadInput{"OverlongUtf8", "<a>\xC0\x80</a>", 1, 1,
+                 "invalid byte '\uFFFD' at position 1 of a 1-byte sequence"},
+        BadInput{"FiveByteUtf8", "<a>\xF8\x88\x80\x80\x80</a>", 1, 1,
+                 "exceeded byte limit at byte '\uFFFD' in a 5-byte sequence"},
+        BadInput{"NoCharacter", "<a>\uFFFF</a>", 1, 5, "invalid character 0xFFFF"},
+        BadInput{"ControlCharacter", "<a>\x01</a>", 1, 5, "invalid character 0x1"},
+        BadInput{"ReferenceToZero", "<a>&#0;</a>", 1, 8, "invalid character reference"},
+        BadInput{"ReferenceToASurrogate", "<a>&#xD800;</a>", 1, 12, "invalid character reference"},
+        BadInput{"OnlyAMark", "\xEF\xBB\xBF", 1, 1, "invalid document structure"},
+        BadInput{"CutInsideAUnit", std::string("\xFF\xFE<\0a", 5), 1, 2, "element name expected"},
+        BadInput{"Newline", "\n", 2, 1, "invalid document structure"},
         BadInput{"BinaryJunk", "\x7F\x45LF\x02\x01\x01", 1, 1, "invalid document structure"},
         BadInput{"ZeroByteInside", std::string("<a>\0</a>", 8), 1, 4,
                  "input ended before all started tags were ended; last tag started is 'a'"}),
@@ -201,6 +222,33 @@ TEST_P(ParserOnBadInput, SaysSoAndWorksOn)
         const File file(input.text);
         return parser.parse(file.name(), document);
     });
+}
+
+TEST_F(Parser, CannotTellThatASingleByteEncodingIsTheWrongOne)
+{
+    EXPECT_EQ(parse("<?xml version='1.0' encoding='ISO-8859-1'?><a>\u00e9</a>"), 1);
+    EXPECT_EQ(root(), "<a>\u00c3\u00a9</a>");
+}
+
+TEST_F(Parser, NeedsAMarkOrADeclarationForBigEndianText)
+{
+    const auto bigEndian = [](const I18NString& text) {
+        int length = 0;
+        const std::unique_ptr<char[]> bytes(
+            text.toBytes("UTF-16BE", &length, QRMI18NStringAllocator, nullptr));
+        return std::string(bytes.get(), static_cast<std::size_t>(length - 2));
+    };
+    const std::string bare = bigEndian("<a/>");
+    const std::string declared = bigEndian("<?xml version='1.0' encoding='UTF-16'?><a/>");
+    EXPECT_EQ(parse(bare), 0);
+    EXPECT_EQ(parse(declared), 0);
+    expectRecord(0, 0, 0, "");
+    std::istringstream bareStream(bare);
+    EXPECT_EQ(parser.parse(bareStream, document), 0) << "a stream is not looked at before the parse";
+    expectRecord(-1, 1, 1, "invalid document structure");
+    std::istringstream declaredStream(declared);
+    EXPECT_EQ(parser.parse(declaredStream, document), 1) << parser.errorString();
+    EXPECT_EQ(root(), "<a/>");
 }
 
 TEST_F(Parser, FailsOnADocumentCutOffAnywhere)
@@ -454,6 +502,83 @@ TEST_F(Parser, RefusesToParseWithinAParse)
     EXPECT_FALSE(parser.errorString().empty());
     EXPECT_TRUE(inner.isNull());
     EXPECT_EQ(root(), "<outer/>");
+}
+
+TEST_F(Parser, RefusesToParseWithinAParseThatCachesGrammars)
+{
+    QRMIDOM_Parser caching(1);
+    QRMIDOM_Document inner;
+    int innerResult = -1;
+    ActingSource source([&] { innerResult = caching.parse("<inner/>", 8, inner); });
+    for (int round = 0; round < 2; ++round) {
+        EXPECT_EQ(caching.parse(source, document), 1) << caching.errorString();
+        EXPECT_EQ(innerResult, 0);
+        EXPECT_EQ(caching.getErrorCode(), static_cast<int>(xercesc::XMLExcepts::Gen_ParseInProgress));
+        EXPECT_TRUE(inner.isNull());
+        EXPECT_EQ(root(), "<outer/>");
+        EXPECT_EQ(sharesOf(document), 1u);
+    }
+}
+
+TEST_F(Parser, LeavesAnotherParserInPeaceWithinAParse)
+{
+    QRMIDOM_Parser other;
+    QRMIDOM_Document inner;
+    ActingSource source([&] { EXPECT_EQ(other.parse("<inner/>", 8, inner), 1); });
+    EXPECT_EQ(parser.parse(source, document), 1);
+    EXPECT_EQ(root(), "<outer/>");
+    EXPECT_EQ(written(inner.getDocumentElement()), "<inner/>");
+}
+
+/// Takes the first field from a parser, the Xerces parser, for the length of a scope.
+class Robbery
+{
+public:
+    explicit Robbery(QRMIDOM_Parser& victim) : m_field(reinterpret_cast<char*>(&victim) + sizeof(void*))
+    {
+        const void* const none = nullptr;
+        std::memcpy(&m_taken, m_field, sizeof m_taken);
+        std::memcpy(m_field, &none, sizeof none);
+    }
+    Robbery(const Robbery&) = delete;
+    Robbery& operator=(const Robbery&) = delete;
+    ~Robbery() { std::memcpy(m_field, &m_taken, sizeof m_taken); }
+
+private:
+    char* m_field;
+    const void* m_taken = nullptr;
+};
+
+TEST(ParserWithoutAXercesParser, FailsAnAssertion)
+{
+    QRMIDOM_Parser caching(1);
+    QRMIDOM_Document document = documentOf("<former/>");
+    const auto placeOf = [](const std::function<void()>& call) {
+        try {
+            call();
+        } catch (const QRMAssertError& error) {
+            EXPECT_EQ(error.getCode(), 0);
+            EXPECT_STREQ(error.getText(), "QRM_ASSERT(m_parserImpl);");
+            EXPECT_EQ(error.getBackTrace().size(), 1u);
+            const auto& place = error.getBackTrace().at(0);
+            EXPECT_EQ(place.macroName, "QRM_THROW");
+            return place.fileName + ":" + std::to_string(place.lineNumber);
+        }
+        return std::string();
+    };
+    {
+        const Robbery robbery(caching);
+        EXPECT_EQ(placeOf([&] { caching.parse("<a/>", 4, document); }), "QRMIDOM_Parser.cpp:194");
+        EXPECT_EQ(placeOf([&] { caching.reset(); }), "QRMIDOM_Parser.cpp:182");
+    }
+    EXPECT_EQ(caching.getErrorCode(), 0);
+    EXPECT_EQ(written(document.getDocumentElement()), "<former/>");
+    EXPECT_EQ(caching.parse("<a/>", 4, document), 1);
+    QRMIDOM_Parser plain;
+    {
+        const Robbery robbery(plain);
+        plain.reset();
+    }
 }
 
 TEST_F(Parser, RecordsWhateverElseIsThrownAsMinusOne)
