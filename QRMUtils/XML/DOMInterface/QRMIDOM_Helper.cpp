@@ -1,17 +1,35 @@
 #include "QRMUtils/XML/DOMInterface/QRMIDOM_Helper.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <cstring>
 #include <fstream>
 #include <limits>
 #include <ostream>
+#include <string_view>
 
 #if defined(__SSE2__)
 #include <emmintrin.h>
 #endif
 
 #include "QRMUtils/XML/DOMInterface/DomWriter.h"
+#include "QRMUtils/XML/DOMInterface/QRMIDOM_Document.h"
+#include "QRMUtils/XML/DOMInterface/QRMIDOM_Text.h"
+#include "QRMUtils/XML/DOMInterface/QRMIDOM_XercesHelper.h"
 #include "QRMUtils/XML/DOMInterface/internal/Guards.h"
+#include "QRMUtils/XML/DOMInterface/internal/NamespaceWriter.h"
+#include "QRMUtils/XML/DOMInterface/internal/Sharing.h"
 #include "QRMUtils/XML/DOMInterface/internal/TextOutput.h"
+#include "QRMUtils/XML/DOMInterface/internal/Walk.h"
+
+using Bridge = QRMIDOM_XercesHelper;
+using qrm::sharing;
+using xercesc::DOMElement;
+using xercesc::DOMNode;
+using xercesc::XMLString;
+
+std::atomic<const I18NString*> QRMIDOM_Helper::m_pXMLNS_Attr{nullptr};
+QRMThreadCriticalSection QRMIDOM_Helper::m_XMLNS_Attr_Lock;
 
 namespace {
 
@@ -97,6 +115,196 @@ void writeToPath(const char* path, const char* function, QRMFileLocation site, S
     }
 }
 
+/// The wrapped node of an argument that must have one; the node's own accessors tell where it has not.
+DOMNode* wrapped(const QRMIDOM_Node& node)
+{
+    static_cast<void>(node.getNodeType());
+    return node;
+}
+
+/// The document that makes the nodes for a tree.
+QRMIDOM_Document documentOf(const QRMIDOM_Node& node)
+{
+    QRMIDOM_Document owner = node.getOwnerDocument();
+    if (!owner.isNull()) {
+        return owner;
+    }
+    if (node.getNodeType() != DOMNode::DOCUMENT_NODE) {
+        // A document type that is in no document yet.
+        qrm::raiseDOMException(xercesc::DOMException::NOT_SUPPORTED_ERR);
+    }
+    return node;
+}
+
+// What elements are searched for. Strings of Xerces and the buffers of ours both end with a zero unit.
+
+auto hasTagName(const I18NString& tagName)
+{
+    return [name = tagName.getExternalBuffer()](const DOMElement* element) {
+        return XMLString::equals(element->getTagName(), name);
+    };
+}
+
+auto hasLocalName(const I18NString& localName)
+{
+    return [name = localName.getExternalBuffer()](const DOMElement* element) {
+        return XMLString::equals(element->getLocalName(), name);
+    };
+}
+
+auto hasNamespaceURI(const I18NString& namespaceURI)
+{
+    return [uri = namespaceURI.getExternalBuffer()](const DOMElement* element) {
+        return XMLString::equals(element->getNamespaceURI(), uri);
+    };
+}
+
+auto hasAttribute(const I18NString& attrName, const I18NString& attrValue)
+{
+    return [name = Bridge::I18NStringToDOMString(attrName), value = attrValue.getExternalBuffer()](
+               const DOMElement* element) { return XMLString::equals(element->getAttribute(name), value); };
+}
+
+template <class Visit>
+void forEachText(const DOMNode* element, Visit&& visit)
+{
+    for (const DOMNode* child = element->getFirstChild(); child != nullptr; child = child->getNextSibling()) {
+        if (child->getNodeType() == DOMNode::TEXT_NODE) {
+            visit(child->getNodeValue());
+        }
+    }
+}
+
+auto hasText(const I18NString& text)
+{
+    return [&text](const DOMElement* element) {
+        const char16_t* rest = text.getExternalBuffer();
+        const char16_t* const end = rest + text.length();
+        bool isEqual = true;
+        forEachText(element, [&](const XMLCh* piece) {
+            const auto length = static_cast<std::ptrdiff_t>(XMLString::stringLen(piece));
+            isEqual = isEqual && length <= end - rest && std::equal(piece, piece + length, rest);
+            rest += isEqual ? length : 0;
+        });
+        return isEqual && rest == end;
+    };
+}
+
+template <class First, class Second>
+auto both(First first, Second second)
+{
+    return [first, second](const DOMElement* element) { return first(element) && second(element); };
+}
+
+template <class Matches>
+QRMIDOM_Element findBelow(const QRMIDOM_Node& start, Matches&& matches)
+{
+    qrm::ElementWalk walk(wrapped(start));
+    while (DOMElement* const element = walk.next()) {
+        if (matches(element)) {
+            return sharing<QRMIDOM_Element>(start.getRefCountedNodeImpl(), element);
+        }
+    }
+    return {};
+}
+
+/// The first match among the children, null where there is none.
+template <class Matches>
+DOMElement* findChild(const DOMNode* parent, Matches&& matches)
+{
+    for (DOMNode* child = parent->getFirstChild(); child != nullptr; child = child->getNextSibling()) {
+        if (child->getNodeType() == DOMNode::ELEMENT_NODE) {
+            auto* const element = static_cast<DOMElement*>(child);
+            if (matches(element)) {
+                return element;
+            }
+        }
+    }
+    return nullptr;
+}
+
+constexpr char16_t kSeparator = u'/';
+
+/// Takes the next name from a path; empty at the end.
+I18NString nextStep(const I18NString& path, int& position)
+{
+    while (path.charAt(position) == kSeparator) {
+        ++position;
+    }
+    const int start = position;
+    while (position < path.length() && path.charAt(position) != kSeparator) {
+        ++position;
+    }
+    return path.substring(start, position - start);
+}
+
+/// The last name of a path, and the element that it is looked for in: null where there is nothing to look for.
+struct LastStep
+{
+    QRMIDOM_Element parent;
+    I18NString name;
+};
+
+LastStep lastStep(const QRMIDOM_Node& start, const I18NString& path)
+{
+    int end = path.length();
+    while (path.charAt(end - 1) == kSeparator) {
+        --end;
+    }
+    int begin = end;
+    while (begin > 0 && path.charAt(begin - 1) != kSeparator) {
+        --begin;
+    }
+    if (start.isNull() || begin == end) {
+        return {};
+    }
+    const I18NString parentPath = path.substring(0, begin);
+    int position = 0;
+    const bool isSingle = nextStep(parentPath, position).empty();
+    return {isSingle ? QRMIDOM_Element(start) : QRMIDOM_Helper::findOrCreateElement(start, parentPath),
+            path.substring(begin, end - begin)};
+}
+
+/// How the name of an attribute begins that declares a prefix.
+constexpr std::u16string_view kDeclarationStart = u"xmlns:";
+
+/// Calls with the name and the value of every declaration of a prefix that the element has, until a call gives false.
+template <class Visit>
+void forEachDeclaration(const DOMNode* element, Visit&& visit)
+{
+    const xercesc::DOMNamedNodeMap* const attributes = element->getAttributes();
+    const XMLSize_t count = attributes->getLength();
+    for (XMLSize_t i = 0; i < count; ++i) {
+        const DOMNode* const attribute = attributes->item(i);
+        if (XMLString::startsWith(attribute->getNodeName(), kDeclarationStart.data())
+            && !visit(attribute->getNodeName(), attribute->getNodeValue())) {
+            return;
+        }
+    }
+}
+
+/// Calls with the node, where it is an element, and with the elements around it, until a call gives false.
+template <class Visit>
+void forEachElementAround(const DOMNode* node, Visit&& visit)
+{
+    for (; node != nullptr; node = node->getParentNode()) {
+        if (node->getNodeType() == DOMNode::ELEMENT_NODE && !visit(node)) {
+            return;
+        }
+    }
+}
+
+/// The node that a question about namespaces starts at.
+const DOMNode* searchStart(const QRMIDOM_Node& searchNode)
+{
+    // One text for both questions, as logs have always had it.
+    QRM_CHECK(searchNode != NULL,
+              "QRM_ASSERT_NAMED((searchNode!=NULL), \"[KorvelHelper::GetNamespaces] being called with null "
+              "searchNode.\");",
+              QRM_SITE_HERE);
+    return searchNode;
+}
+
 } // namespace
 
 void QRMIDOM_Helper::write(QRMIDOM_Node node, const char* path, const char* encoding)
@@ -120,6 +328,43 @@ void QRMIDOM_Helper::write(QRMIDOM_Node node, std::FILE* file, const char* encod
 void QRMIDOM_Helper::write(QRMIDOM_Node node, DomWriter& writer)
 {
     writer << node;
+}
+
+void QRMIDOM_Helper::writeNS(QRMIDOM_Node node, const char* path, const char* encoding)
+{
+    writeToPath(path, "QRMIDOM_Helper::writeNS", QRM_SITE_HERE,
+                [&](std::ostream& stream) { writeNS(node, stream, encoding); });
+}
+
+void QRMIDOM_Helper::writeNS(QRMIDOM_Node node, std::ostream& stream, const char* encoding)
+{
+    OstreamDomWriter writer(encoding, stream);
+    writeNS(node, writer);
+}
+
+void QRMIDOM_Helper::writeNS(QRMIDOM_Node node, std::FILE* file, const char* encoding)
+{
+    FileDomWriter writer(encoding, file);
+    writeNS(node, writer);
+}
+
+void QRMIDOM_Helper::writeNS(QRMIDOM_Node node, DomWriter& writer)
+{
+    qrm::NamespaceWriter(writer, xmlnsName).write(wrapped(node));
+}
+
+const I18NString& QRMIDOM_Helper::xmlnsName()
+{
+    const I18NString* name = m_pXMLNS_Attr.load(std::memory_order_acquire);
+    if (name == nullptr) {
+        const QRMThreadGuard guard(m_XMLNS_Attr_Lock);
+        name = m_pXMLNS_Attr.load(std::memory_order_relaxed);
+        if (name == nullptr) {
+            name = qrm::allocated(QRM_SITE_HERE, [] { return new (std::nothrow) I18NString("xmlns"); });
+            m_pXMLNS_Attr.store(name, std::memory_order_release);
+        }
+    }
+    return *name;
 }
 
 void QRMIDOM_Helper::write(std::ostream& stream, const I18NString& text, const char* encoding)
@@ -193,4 +438,180 @@ int QRMIDOM_Helper::findSpecialChar(const char* text, int start, int end)
         }
     }
     return -1;
+}
+
+QRMIDOM_Element QRMIDOM_Helper::findFirstElement(QRMIDOM_Node start, const I18NString& tagName)
+{
+    return findBelow(start, hasTagName(tagName));
+}
+
+QRMIDOM_Element QRMIDOM_Helper::findElementWithAttribute(QRMIDOM_Node start, const I18NString& tagName,
+                                                         const I18NString& attrName,
+                                                         const I18NString& attrValue)
+{
+    return findBelow(start, both(hasTagName(tagName), hasAttribute(attrName, attrValue)));
+}
+
+QRMIDOM_Element QRMIDOM_Helper::findFirstElementNS(QRMIDOM_Node start, const I18NString& namespaceURI,
+                                                   const I18NString& localName)
+{
+    return findBelow(start, both(hasLocalName(localName), hasNamespaceURI(namespaceURI)));
+}
+
+QRMIDOM_Element QRMIDOM_Helper::findFirstElementWithName(QRMIDOM_Node start, const I18NString& localName)
+{
+    return findBelow(start, hasLocalName(localName));
+}
+
+QRMIDOM_Element QRMIDOM_Helper::findChildElementWithText(QRMIDOM_Node start, const I18NString& tagName,
+                                                         const I18NString& text)
+{
+    return findBelow(start, both(hasTagName(tagName), hasText(text)));
+}
+
+void QRMIDOM_Helper::findChildElementsWithAttribute(QRMIDOM_Node start, const I18NString& tagName,
+                                                    const I18NString& attrName, const I18NString& attrValue,
+                                                    std::vector<QRMIDOM_Node>& out)
+{
+    const auto matches = both(hasTagName(tagName), hasAttribute(attrName, attrValue));
+    qrm::ElementWalk walk(wrapped(start));
+    while (DOMElement* const element = walk.next()) {
+        if (matches(element)) {
+            out.push_back(sharing<QRMIDOM_Node>(start.getRefCountedNodeImpl(), element));
+        }
+    }
+}
+
+QRMIDOM_Element QRMIDOM_Helper::findChildElement(QRMIDOM_Node start, const I18NString& tagName)
+{
+    // The result takes no share of the document: callers count on the document going while they still have it.
+    return start.isNull() ? nullptr : findChild(start.getDOM_NodeImpl(), hasTagName(tagName));
+}
+
+QRMIDOM_Element QRMIDOM_Helper::findChildElementWithAttribute(QRMIDOM_Node start, const I18NString& tagName,
+                                                              const I18NString& attrName,
+                                                              const I18NString& attrValue)
+{
+    DOMElement* const found =
+        findChild(wrapped(start), both(hasTagName(tagName), hasAttribute(attrName, attrValue)));
+    return found == nullptr ? QRMIDOM_Element()
+                            : sharing<QRMIDOM_Element>(start.getRefCountedNodeImpl(), found);
+}
+
+I18NString QRMIDOM_Helper::getElementText(QRMIDOM_Element element)
+{
+    I18NString text;
+    getElementText(element, text);
+    return text;
+}
+
+void QRMIDOM_Helper::getElementText(QRMIDOM_Element element, I18NString& text)
+{
+    if (!element.isNull()) {
+        forEachText(element.getDOM_NodeImpl(),
+                    [&text](const XMLCh* piece) { text += Bridge::DOMStringToI18NString(piece); });
+    }
+}
+
+QRMIDOM_Node QRMIDOM_Helper::insertBefore(QRMIDOM_Node parent, QRMIDOM_Node refChild, QRMIDOM_Node newChild)
+{
+    return parent.insertBefore(documentOf(parent).importNode(newChild, 1), refChild);
+}
+
+QRMIDOM_Node QRMIDOM_Helper::appendChild(QRMIDOM_Node parent, QRMIDOM_Node newChild)
+{
+    return parent.appendChild(documentOf(parent).importNode(newChild, 1));
+}
+
+QRMIDOM_Element QRMIDOM_Helper::findOrCreateElement(QRMIDOM_Node start, const I18NString& path)
+{
+    int position = 0;
+    I18NString step = nextStep(path, position);
+    if (start.isNull() || step.empty()) {
+        return {};
+    }
+    QRMIDOM_Element current = start;
+    if (start.getNodeType() == DOMNode::DOCUMENT_NODE) {
+        current = QRMIDOM_Document(start).getDocumentElement();
+    }
+    for (; !step.empty(); step = nextStep(path, position)) {
+        QRMIDOM_Element next = findFirstElement(current, step);
+        if (next.isNull()) {
+            next = documentOf(start).createElement(step);
+            current.appendChild(next);
+        }
+        current = next;
+    }
+    return current;
+}
+
+QRMIDOM_Element QRMIDOM_Helper::findOrCreateElementWithAttribute(QRMIDOM_Node start, const I18NString& path,
+                                                                 const I18NString& attrName,
+                                                                 const I18NString& attrValue)
+{
+    LastStep last = lastStep(start, path);
+    if (last.parent.isNull()) {
+        return {};
+    }
+    QRMIDOM_Element element = findChildElementWithAttribute(last.parent, last.name, attrName, attrValue);
+    if (element.isNull()) {
+        element = documentOf(start).createElement(last.name);
+        element.setAttribute(attrName, attrValue);
+        last.parent.appendChild(element);
+    }
+    return element;
+}
+
+QRMIDOM_Element QRMIDOM_Helper::findOrCreateElementWithText(QRMIDOM_Node start, const I18NString& path,
+                                                            const I18NString& text)
+{
+    LastStep last = lastStep(start, path);
+    if (last.parent.isNull()) {
+        return {};
+    }
+    QRMIDOM_Element element = findChildElementWithText(last.parent, last.name, text);
+    if (element.isNull()) {
+        QRMIDOM_Document document = documentOf(start);
+        element = document.createElement(last.name);
+        element.appendChild(document.createTextNode(text));
+        last.parent.appendChild(element);
+    }
+    return element;
+}
+
+QRMIDOM_Element QRMIDOM_Helper::findOrCreateChildElement(QRMIDOM_Element parent, const I18NString& tagName)
+{
+    QRMIDOM_Element element = findChildElement(parent, tagName);
+    if (element.isNull()) {
+        element = parent.getOwnerDocument().createElement(tagName);
+        parent.appendChild(element);
+    }
+    return element;
+}
+
+I18NString QRMIDOM_Helper::getNamespacePrefix(QRMIDOM_Node searchNode, const I18NString& namespaceURI)
+{
+    I18NString prefix;
+    forEachElementAround(searchStart(searchNode), [&](const DOMNode* element) {
+        forEachDeclaration(element, [&](const XMLCh* name, const XMLCh* uri) {
+            const bool isOther = Bridge::DOMStringToI18NString(uri) != namespaceURI;
+            if (!isOther) {
+                prefix = Bridge::DOMStringToI18NString(name + kDeclarationStart.length());
+            }
+            return isOther;
+        });
+        return prefix.empty();
+    });
+    return prefix;
+}
+
+void QRMIDOM_Helper::getNamespaces(QRMIDOM_Node searchNode, std::map<I18NString, I18NString>& namespaces)
+{
+    forEachElementAround(searchStart(searchNode), [&](const DOMNode* element) {
+        forEachDeclaration(element, [&](const XMLCh* name, const XMLCh* uri) {
+            namespaces.emplace(Bridge::DOMStringToI18NString(name), Bridge::DOMStringToI18NString(uri));
+            return true;
+        });
+        return true;
+    });
 }

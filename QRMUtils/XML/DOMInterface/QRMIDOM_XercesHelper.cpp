@@ -8,6 +8,7 @@
 #include "QRMCore/QRMThrowable.h"
 #include "QRMCore/internal/UnitLength.h"
 #include "QRMUtils/XML/DOMInterface/internal/Guards.h"
+#include "QRMUtils/XML/DOMInterface/internal/Strings.h"
 
 namespace {
 
@@ -20,11 +21,6 @@ int byteLength(const XMLCh* source)
             .hurl(QRM_SITE_HERE, nullptr, "QRM_THROW");
     }
     return static_cast<int>(bytes);
-}
-
-bool isEmpty(const XMLCh* source)
-{
-    return source == nullptr || *source == 0;
 }
 
 } // namespace
@@ -47,7 +43,7 @@ QRMIDOM_XercesHelper::~QRMIDOM_XercesHelper() = default;
 
 I18NString QRMIDOM_XercesHelper::DOMStringToI18NString(const XMLCh* source)
 {
-    if (isEmpty(source)) {
+    if (qrm::isEmpty(source)) {
         return I18NString();
     }
     return I18NString(source, byteLength(source), nullptr, nullptr);
@@ -55,7 +51,7 @@ I18NString QRMIDOM_XercesHelper::DOMStringToI18NString(const XMLCh* source)
 
 void QRMIDOM_XercesHelper::DOMStringToI18NString(const XMLCh* source, I18NString& target)
 {
-    if (isEmpty(source)) {
+    if (qrm::isEmpty(source)) {
         target.remove();
     } else {
         target.setTo(source, byteLength(source));

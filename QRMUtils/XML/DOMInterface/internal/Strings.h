@@ -5,6 +5,12 @@
 
 namespace qrm {
 
+/// Whether a string of Xerces has no units, or is null.
+inline bool isEmpty(const XMLCh* text)
+{
+    return text == nullptr || *text == 0;
+}
+
 /// The string's units for the places where Xerces would follow a null pointer; an empty string gives no null.
 inline const XMLCh* neverNull(const I18NString& text)
 {

@@ -42,7 +42,7 @@ bool TreeWriter::open(const DOMNode* node, const DOMNode*& child)
     case DOMNode::TEXT_NODE: content(node->getNodeValue()); return false;
     case DOMNode::CDATA_SECTION_NODE:
         literal("<![CDATA[");
-        m_text.raw(node->getNodeValue());
+        raw(node->getNodeValue());
         literal("]]>");
         return false;
     case DOMNode::ENTITY_REFERENCE_NODE:
@@ -99,18 +99,19 @@ const DOMNode* TreeWriter::openElement(const DOMNode* element)
 
 void TreeWriter::writeAttributes(const DOMNode* element)
 {
-    const DOMNamedNodeMap* const attributes = element->getAttributes();
-    const XMLSize_t count = attributes->getLength();
-    for (XMLSize_t i = 0; i < count; ++i) {
-        const auto* const attribute = static_cast<const DOMAttr*>(attributes->item(i));
-        if (attribute->getSpecified()) {
-            literal(" ");
-            strict(attribute->getNodeName());
-            literal("=\"");
-            content(attribute->getNodeValue());
-            literal("\"");
-        }
-    }
+    forEachSpecified(element, [this](const DOMAttr& attribute) {
+        writeAttribute(attribute);
+        return true;
+    });
+}
+
+void TreeWriter::writeAttribute(const DOMAttr& attribute)
+{
+    literal(" ");
+    strict(attribute.getNodeName());
+    literal("=\"");
+    content(attribute.getNodeValue());
+    literal("\"");
 }
 
 void TreeWriter::writeProcessingInstruction(const DOMNode* instruction)
@@ -118,7 +119,7 @@ void TreeWriter::writeProcessingInstruction(const DOMNode* instruction)
     literal("<?");
     strict(instruction->getNodeName());
     const XMLCh* const data = instruction->getNodeValue();
-    if (data != nullptr && *data != 0) {
+    if (!isEmpty(data)) {
         literal(" ");
         strict(data);
     }
@@ -142,7 +143,7 @@ void TreeWriter::writeDocumentType(const DOMDocumentType& doctype)
     optional(" PUBLIC \"", doctype.getPublicId());
     optional(" SYSTEM \"", doctype.getSystemId());
     const XMLCh* const internalSubset = doctype.getInternalSubset();
-    if (internalSubset != nullptr && *internalSubset != 0) {
+    if (!isEmpty(internalSubset)) {
         literal("[");
         strict(internalSubset);
         literal("]");

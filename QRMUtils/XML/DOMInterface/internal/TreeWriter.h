@@ -5,6 +5,7 @@
 
 #include <xercesc/dom/DOM.hpp>
 
+#include "QRMUtils/XML/DOMInterface/internal/Strings.h"
 #include "QRMUtils/XML/DOMInterface/internal/TextOutput.h"
 
 namespace qrm {
@@ -15,19 +16,40 @@ class TreeWriter
 {
 public:
     explicit TreeWriter(DomWriter& writer) : m_writer(writer), m_text(writer) {}
+    TreeWriter(const TreeWriter&) = delete;
+    TreeWriter& operator=(const TreeWriter&) = delete;
+    virtual ~TreeWriter() = default;
 
     /// Writes the node, which is not null.
     void write(const xercesc::DOMNode* root);
 
-private:
-    bool open(const xercesc::DOMNode* node, const xercesc::DOMNode*& child);
-    void close(const xercesc::DOMNode* node);
+protected:
+    /// Writes what stands in a start tag behind the name.
+    virtual void writeAttributes(const xercesc::DOMNode* element);
 
-    const xercesc::DOMNode* openElement(const xercesc::DOMNode* element);
-    void writeAttributes(const xercesc::DOMNode* element);
-    void writeProcessingInstruction(const xercesc::DOMNode* instruction);
-    void writeEntity(const xercesc::DOMEntity& entity);
-    void writeDocumentType(const xercesc::DOMDocumentType& doctype);
+    void writeAttribute(const xercesc::DOMAttr& attribute);
+
+    /// Calls with each attribute that is not just a default of the document type, until a call gives false.
+    /// @return whether all calls gave true
+    template <class Call>
+    static bool forEachSpecified(const xercesc::DOMNode* element, Call&& call)
+    {
+        const xercesc::DOMNamedNodeMap* const attributes = element->getAttributes();
+        const XMLSize_t count = attributes->getLength();
+        for (XMLSize_t i = 0; i < count; ++i) {
+            const auto* const attribute = static_cast<const xercesc::DOMAttr*>(attributes->item(i));
+            if (attribute->getSpecified() && !call(*attribute)) {
+                return false;
+            }
+        }
+        return true;
+    }
+
+    /// The parent of the node that is being written, also where that is the first one.
+    const xercesc::DOMNode* parentOf(const xercesc::DOMNode* node) const
+    {
+        return m_ancestors.empty() ? node->getParentNode() : m_ancestors.back();
+    }
 
     template <std::size_t N>
     void literal(const char (&text)[N])
@@ -38,11 +60,23 @@ private:
     void strict(const XMLCh* text) { m_text.escaped(text, Unexpressible::kError); }
     /// Text or an attribute value.
     void content(const XMLCh* text) { m_text.escaped(text, Unexpressible::kReference); }
+    /// Text that is not escaped.
+    void raw(const XMLCh* text) { m_text.raw(text); }
+
+private:
+    bool open(const xercesc::DOMNode* node, const xercesc::DOMNode*& child);
+    void close(const xercesc::DOMNode* node);
+
+    const xercesc::DOMNode* openElement(const xercesc::DOMNode* element);
+    void writeProcessingInstruction(const xercesc::DOMNode* instruction);
+    void writeEntity(const xercesc::DOMEntity& entity);
+    void writeDocumentType(const xercesc::DOMDocumentType& doctype);
+
     /// An identifier after its keyword; nothing where it is null or empty.
     template <std::size_t N>
     void optional(const char (&before)[N], const XMLCh* text)
     {
-        if (text != nullptr && *text != 0) {
+        if (!isEmpty(text)) {
             literal(before);
             strict(text);
             literal("\"");
