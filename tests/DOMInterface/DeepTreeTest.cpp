@@ -53,6 +53,38 @@ TEST(DeepTree, IsWalkedWrittenAndReleased)
     document = NULL;
 }
 
+TEST(DeepTree, IsSearchedAndWrittenWithNamespaces)
+{
+    QRMIDOM_Document document = deepDocument();
+    QRMIDOM_Element innermost = document.getDocumentElement();
+    for (QRMIDOM_Node child = innermost.getFirstChild(); !child.isNull(); child = child.getFirstChild()) {
+        innermost = child;
+    }
+    QRMIDOM_Element leaf = innermost.appendChild(document.createElementNS("urn:x", "p:leaf"));
+    leaf.appendChild(document.createTextNode("text"));
+    leaf.setAttribute("k", "v");
+    EXPECT_EQ(QRMIDOM_Helper::findFirstElement(document, "p:leaf"), leaf);
+    EXPECT_EQ(QRMIDOM_Helper::findElementWithAttribute(document, "p:leaf", "k", "v"), leaf);
+    EXPECT_EQ(QRMIDOM_Helper::findFirstElementNS(document, "urn:x", "leaf"), leaf);
+    EXPECT_EQ(QRMIDOM_Helper::findFirstElementWithName(document, "leaf"), leaf);
+    EXPECT_EQ(QRMIDOM_Helper::findChildElementWithText(document, "p:leaf", "text"), leaf);
+    std::vector<QRMIDOM_Node> out;
+    QRMIDOM_Helper::findChildElementsWithAttribute(document, "e", "k", "", out);
+    EXPECT_EQ(out.size(), static_cast<std::size_t>(kDepth));
+    out.clear();
+    EXPECT_EQ(QRMIDOM_Helper::findOrCreateElement(document, "p:leaf"), leaf);
+    EXPECT_EQ(QRMIDOM_Helper::getNamespacePrefix(leaf, "urn:x"), "");
+
+    CountingWriter writer;
+    QRMIDOM_Helper::writeNS(document, writer);
+    EXPECT_EQ(writer.opened, kDepth + 1);
+    EXPECT_EQ(writer.closed, kDepth + 1);
+    const long leafBytes = static_cast<long>(std::strlen("<p:leaf xmlns:p=\"urn:x\" k=\"v\">text</p:leaf>")
+                                             - std::strlen("<e/>") + std::strlen("<e></e>"));
+    EXPECT_EQ(writer.bytes,
+              39L + static_cast<long>(std::strlen(" xmlns=\"\"")) + 7L * (kDepth - 1) + 4L + leafBytes);
+}
+
 TEST(DeepTree, ParsesTenThousandLevels)
 {
     std::string text;
