@@ -196,16 +196,29 @@ auto both(First first, Second second)
     return [first, second](const DOMElement* element) { return first(element) && second(element); };
 }
 
-template <class Matches>
-QRMIDOM_Element findBelow(const QRMIDOM_Node& start, Matches&& matches)
+/// A handle on what was found from the start node, which it shares the document of; the null handle for null.
+QRMIDOM_Element result(const QRMIDOM_Node& start, DOMElement* found)
 {
-    qrm::ElementWalk walk(wrapped(start));
-    while (DOMElement* const element = walk.next()) {
-        if (matches(element)) {
-            return sharing<QRMIDOM_Element>(start.getRefCountedNodeImpl(), element);
-        }
+    return found == nullptr ? QRMIDOM_Element()
+                            : sharing<QRMIDOM_Element>(start.getRefCountedNodeImpl(), found);
+}
+
+/// The first match below the node, null where there is none.
+template <class Matches>
+DOMElement* findBelow(const DOMNode* root, Matches&& matches)
+{
+    qrm::ElementWalk walk(root);
+    DOMElement* element = walk.next();
+    while (element != nullptr && !matches(element)) {
+        element = walk.next();
     }
-    return {};
+    return element;
+}
+
+template <class Matches>
+QRMIDOM_Element findFirst(const QRMIDOM_Node& start, Matches&& matches)
+{
+    return result(start, findBelow(wrapped(start), matches));
 }
 
 /// The first match among the children, null where there is none.
@@ -442,31 +455,31 @@ int QRMIDOM_Helper::findSpecialChar(const char* text, int start, int end)
 
 QRMIDOM_Element QRMIDOM_Helper::findFirstElement(QRMIDOM_Node start, const I18NString& tagName)
 {
-    return findBelow(start, hasTagName(tagName));
+    return findFirst(start, hasTagName(tagName));
 }
 
 QRMIDOM_Element QRMIDOM_Helper::findElementWithAttribute(QRMIDOM_Node start, const I18NString& tagName,
                                                          const I18NString& attrName,
                                                          const I18NString& attrValue)
 {
-    return findBelow(start, both(hasTagName(tagName), hasAttribute(attrName, attrValue)));
+    return findFirst(start, both(hasTagName(tagName), hasAttribute(attrName, attrValue)));
 }
 
 QRMIDOM_Element QRMIDOM_Helper::findFirstElementNS(QRMIDOM_Node start, const I18NString& namespaceURI,
                                                    const I18NString& localName)
 {
-    return findBelow(start, both(hasLocalName(localName), hasNamespaceURI(namespaceURI)));
+    return findFirst(start, both(hasLocalName(localName), hasNamespaceURI(namespaceURI)));
 }
 
 QRMIDOM_Element QRMIDOM_Helper::findFirstElementWithName(QRMIDOM_Node start, const I18NString& localName)
 {
-    return findBelow(start, hasLocalName(localName));
+    return findFirst(start, hasLocalName(localName));
 }
 
 QRMIDOM_Element QRMIDOM_Helper::findChildElementWithText(QRMIDOM_Node start, const I18NString& tagName,
                                                          const I18NString& text)
 {
-    return findBelow(start, both(hasTagName(tagName), hasText(text)));
+    return findFirst(start, both(hasTagName(tagName), hasText(text)));
 }
 
 void QRMIDOM_Helper::findChildElementsWithAttribute(QRMIDOM_Node start, const I18NString& tagName,
@@ -492,10 +505,8 @@ QRMIDOM_Element QRMIDOM_Helper::findChildElementWithAttribute(QRMIDOM_Node start
                                                               const I18NString& attrName,
                                                               const I18NString& attrValue)
 {
-    DOMElement* const found =
-        findChild(wrapped(start), both(hasTagName(tagName), hasAttribute(attrName, attrValue)));
-    return found == nullptr ? QRMIDOM_Element()
-                            : sharing<QRMIDOM_Element>(start.getRefCountedNodeImpl(), found);
+    return result(start,
+                  findChild(wrapped(start), both(hasTagName(tagName), hasAttribute(attrName, attrValue))));
 }
 
 I18NString QRMIDOM_Helper::getElementText(QRMIDOM_Element element)
@@ -535,12 +546,14 @@ QRMIDOM_Element QRMIDOM_Helper::findOrCreateElement(QRMIDOM_Node start, const I1
         current = QRMIDOM_Document(start).getDocumentElement();
     }
     for (; !step.empty(); step = nextStep(path, position)) {
-        QRMIDOM_Element next = findFirstElement(current, step);
-        if (next.isNull()) {
-            next = documentOf(start).createElement(step);
-            current.appendChild(next);
+        DOMElement* const found = findBelow(wrapped(current), hasTagName(step));
+        if (found != nullptr) {
+            current.setDOM_NodeImpl(found);
+        } else {
+            const QRMIDOM_Element made = documentOf(start).createElement(step);
+            current.appendChild(made);
+            current = made;
         }
-        current = next;
     }
     return current;
 }

@@ -28,18 +28,23 @@ public:
         xercesc::DOMNode* node = m_next;
         for (;;) {
             while (node == nullptr) {
-                if (m_ancestors.empty()) {
+                if (m_behind.empty()) {
                     return nullptr;
                 }
-                node = m_ancestors.back()->getNextSibling();
-                m_ancestors.pop_back();
+                node = m_behind.back();
+                m_behind.pop_back();
             }
+            xercesc::DOMNode* const behind = node->getNextSibling();
             if (node->getNodeType() == xercesc::DOMNode::ELEMENT_NODE) {
                 m_next = node->getFirstChild();
-                m_ancestors.push_back(node);
+                if (m_next == nullptr) {
+                    m_next = behind;
+                } else if (behind != nullptr) {
+                    m_behind.push_back(behind);
+                }
                 return static_cast<xercesc::DOMElement*>(node);
             }
-            node = node->getNextSibling();
+            node = behind;
         }
     }
 
@@ -55,7 +60,7 @@ private:
     // Searches are often short, and most trees are shallow: these take nothing from the heap.
     alignas(std::max_align_t) std::array<std::byte, kUsualDepth * sizeof(void*)> m_buffer;
     std::pmr::monotonic_buffer_resource m_memory{m_buffer.data(), m_buffer.size()};
-    std::pmr::vector<xercesc::DOMNode*> m_ancestors{&m_memory};
+    std::pmr::vector<xercesc::DOMNode*> m_behind{&m_memory}; // what follows the elements that were entered
     xercesc::DOMNode* m_next;
 };
 
