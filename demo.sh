@@ -40,4 +40,10 @@ show "Read it, search it, change it, and write it to a file" \
     read_change_write examples/library.xml build/changed.xml
 show "What came out" cat build/changed.xml
 show "The same as a tree" qrmxml tree build/changed.xml
-show "The same in ASCII, with references for what ASCII does not have" qrmxml write --encoding US-ASCII build/changed.xml
+show "Find what is in it" qrmxml find --name title --all --as text build/changed.xml
+show "Make sure that something is in it, made where it is missing" \
+    qrmxml set -i build/changed.xml notices/notice --text "Closed on Sundays"
+show "And it is there" qrmxml find --tag notice --as path build/changed.xml
+show "The prefixes that it declares" qrmxml namespaces build/changed.xml
+show "Make a message in namespaces, and write it with the declarations that it needs" namespaces
+show "The document in ASCII, with references for what ASCII does not have" qrmxml write --encoding US-ASCII build/changed.xml

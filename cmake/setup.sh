@@ -64,14 +64,16 @@ quietly() {
 
 # In a subshell: the caller's folder stays the current one.
 configure_and_build() (
+    preset=$1
+    shift
     cd "$root" &&
-        cmake --preset "$1" &&
-        cmake --build --preset "$1" --parallel "$(nproc)"
+        cmake --preset "$preset" &&
+        cmake --build --preset "$preset" --parallel "$(nproc)" "$@"
 )
 
-# build PRESET: configures and builds.
+# build PRESET [--target NAME]: configures and builds.
 build() {
     echo "Building $1 (log: build/$1.log)"
     mkdir -p "$root/build"
-    quietly "$root/build/$1.log" configure_and_build "$1"
+    quietly "$root/build/$1.log" configure_and_build "$@"
 }

@@ -576,6 +576,172 @@ TEST_F(Qrmxml, StopsEntitiesThatMultiply)
                           "expansions in the document; this is the limit imposed by the application\n");
 }
 
+constexpr const char* kShelf = "<shelf xmlns:dc='urn:dc'>\n<book id='1'><dc:title>One</dc:title></book>"
+                               "<box><book id='2' lent='yes'><dc:title>Two &amp; more</dc:title></book></box>"
+                               "<book id='3'><title>One</title></book></shelf>";
+
+TEST_F(Qrmxml, FindsTheFirstElement)
+{
+    file("s.xml", kShelf);
+    const std::pair<const char*, const char*> found[] = {
+        {"--tag book --as path", "/shelf[1]/book[1]\n"},
+        {"--tag dc:title --as path", "/shelf[1]/book[1]/dc:title[1]\n"},
+        {"--tag title --as path", "/shelf[1]/book[2]/title[1]\n"},
+        {"--name title --as path", "/shelf[1]/book[1]/dc:title[1]\n"},
+        {"--name title --ns-uri urn:dc --as path", "/shelf[1]/book[1]/dc:title[1]\n"},
+        {"--name title --ns-uri '' --as path", "/shelf[1]/book[2]/title[1]\n"},
+        {"--tag book --attr id=2 --as path", "/shelf[1]/box[1]/book[1]\n"},
+        {"--tag book --attr lent= --as path", "/shelf[1]/book[1]\n"},
+        {"--name title --text 'Two & more' --as path", "/shelf[1]/box[1]/book[1]/dc:title[1]\n"},
+        {"--tag dc:title --text 'Two & more' --as path", "/shelf[1]/box[1]/book[1]/dc:title[1]\n"},
+        {"--name book --attr id=3 --as path", "/shelf[1]/book[2]\n"},
+        {"--tag book --attr id=3 --text '' --as path", "/shelf[1]/book[2]\n"},
+        {"--tag book --attr id=3", "<book id=\"3\"><title>One</title></book>\n"},
+        {"--tag dc:title --text 'Two & more' --as xml", "<dc:title>Two &amp; more</dc:title>\n"},
+        {"--tag dc:title --text 'Two & more' --as text", "Two & more\n"},
+    };
+    for (const auto& [arguments, out] : found) {
+        const Result result = run(std::string("find s.xml ") + arguments);
+        EXPECT_EQ(result.status, 0) << arguments;
+        EXPECT_EQ(result.out, out) << arguments;
+        EXPECT_EQ(result.err, "") << arguments;
+    }
+}
+
+TEST_F(Qrmxml, FindsAmongTheChildrenOfTheDocumentElement)
+{
+    file("s.xml", kShelf);
+    EXPECT_EQ(run("find s.xml --tag book --children --all --as path").out,
+              "/shelf[1]/book[1]\n/shelf[1]/book[2]\n");
+    EXPECT_EQ(run("find s.xml --tag book --children --attr id=3 --as path").out, "/shelf[1]/book[2]\n");
+    EXPECT_EQ(run("find s.xml --tag book --children --attr id=2").status, 1);
+    EXPECT_EQ(run("find s.xml --tag box --children --as path").out, "/shelf[1]/box[1]\n");
+    EXPECT_EQ(run("find s.xml --name title --children").status, 1);
+    EXPECT_EQ(run("find s.xml --name box --children --as path").out, "/shelf[1]/box[1]\n");
+}
+
+TEST_F(Qrmxml, FindsAllInDocumentOrder)
+{
+    file("s.xml", kShelf);
+    EXPECT_EQ(run("find s.xml --name title --all --as text").out, "One\nTwo & more\nOne\n");
+    EXPECT_EQ(run("find s.xml --tag book --all --as path").out,
+              "/shelf[1]/book[1]\n/shelf[1]/box[1]/book[1]\n/shelf[1]/book[2]\n");
+    EXPECT_EQ(run("find s.xml --tag book --all --attr lent=").out,
+              "<book id=\"1\"><dc:title>One</dc:title></book>\n<book id=\"3\"><title>One</title></book>\n");
+}
+
+TEST_F(Qrmxml, FindsNothingWithStatusOne)
+{
+    file("s.xml", kShelf);
+    for (const char* const arguments :
+         {"--tag Book", "--tag book --attr id=4", "--name title --ns-uri urn:other", "--tag title --text Two",
+          "--tag book --attr id=4 --all", "--tag shelf --children"}) {
+        const Result result = run(std::string("find s.xml ") + arguments);
+        EXPECT_EQ(result.status, 1) << arguments;
+        EXPECT_EQ(result.out + result.err, "") << arguments;
+    }
+    file("bad.xml", "<a>");
+    EXPECT_EQ(run("find bad.xml --tag a").status, 1);
+    EXPECT_EQ(run("find none.xml --tag a").status, 2);
+    EXPECT_EQ(run("find . --tag a").status, 2);
+}
+
+TEST_F(Qrmxml, FindsWhatStandsBehindAnEntityReference)
+{
+    file("e.xml", "<!DOCTYPE a [<!ENTITY e 'x<d/>'>]><a>&e;<d i='1'/></a>");
+    EXPECT_EQ(run("find e.xml --tag d --all").out, "<d i=\"1\"/>\n");
+}
+
+TEST_F(Qrmxml, FindsInDocumentsOfAnySize)
+{
+    largeFile("large.xml");
+    EXPECT_EQ(run("find large.xml --tag b --all --as path | tail -n 1").out, "/a[1]/b[500000]\n");
+    EXPECT_EQ(run("find large.xml --tag b --all | head -n 1").out, "<b/>\n");
+}
+
+TEST_F(Qrmxml, SetsAPath)
+{
+    file("c.xml", "<cfg><x><b/></x></cfg>");
+    const Result result = run("set c.xml a/b");
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.out, kHeader + std::string("<cfg><x><b/></x><a><b/></a></cfg>\n"));
+    EXPECT_EQ(run("set c.xml b").out, kHeader + std::string("<cfg><x><b/></x></cfg>\n")) << "it is there";
+    EXPECT_EQ(run("set c.xml b --attr k=v=w").out,
+              kHeader + std::string("<cfg><x><b/></x><b k=\"v=w\"/></cfg>\n"));
+    EXPECT_EQ(run("set c.xml x/c --text '<1>'").out,
+              kHeader + std::string("<cfg><x><b/><c>&lt;1&gt;</c></x></cfg>\n"));
+    EXPECT_EQ(contentOf("c.xml"), "<cfg><x><b/></x></cfg>");
+}
+
+TEST_F(Qrmxml, SetsInPlaceOrElsewhere)
+{
+    file("c.xml", "<cfg/>");
+    fs::permissions("c.xml", fs::perms(0640));
+    EXPECT_EQ(run("set -i c.xml item --attr id=1").out, "");
+    EXPECT_EQ(run("set -i c.xml item --attr id=2").status, 0);
+    EXPECT_EQ(run("set -i c.xml item --attr id=2").status, 0);
+    EXPECT_EQ(contentOf("c.xml"), kHeader + std::string("<cfg><item id=\"1\"/><item id=\"2\"/></cfg>\n"));
+    EXPECT_EQ(fs::status("c.xml").permissions(), fs::perms(0640));
+    EXPECT_EQ(run("set c.xml n --encoding ISO-8859-1 --text \u00e9 -o out.xml").status, 0);
+    EXPECT_EQ(contentOf("out.xml"), "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>\n<cfg><item id=\"1\"/>"
+                                    "<item id=\"2\"/><n>\xE9</n></cfg>\n");
+    EXPECT_EQ(filesHere(), (std::set<std::string>{"c.xml", "out.xml"}));
+}
+
+TEST_F(Qrmxml, LeavesTheFileWholeWhereNothingCanBeSet)
+{
+    file("c.xml", "<cfg/>");
+    const std::pair<const char*, const char*> refused[] = {
+        {"''", "qrmxml: error: the path \"\" names no element\n"},
+        {"//", "qrmxml: error: the path \"//\" names no element\n"},
+        {"a/1b", "qrmxml: error: no element or attribute can be named like that: a/1b\n"},
+        {"a --attr 1=v", "qrmxml: error: no element or attribute can be named like that: a, 1\n"},
+    };
+    for (const auto& [arguments, error] : refused) {
+        const Result result = run(std::string("set -i c.xml ") + arguments);
+        EXPECT_EQ(result.status, 2) << arguments;
+        EXPECT_EQ(result.err, error) << arguments;
+        EXPECT_EQ(contentOf("c.xml"), "<cfg/>") << arguments;
+    }
+    EXPECT_EQ(run("set -i - a", "printf '<a/>' |").status, 2);
+    EXPECT_EQ(run("set c.xml a --text t --attr k=v").status, 2);
+    EXPECT_EQ(run("set c.xml a --attr kv").err,
+              "qrmxml: error: --attr: takes NAME=VALUE, not kv\nRun with --help for more information.\n");
+    EXPECT_EQ(run("set c.xml a --attr =v").status, 2);
+    file("bad.xml", "<a>");
+    EXPECT_EQ(run("set -i bad.xml a").status, 1);
+    EXPECT_EQ(contentOf("bad.xml"), "<a>");
+    EXPECT_EQ(filesHere(), (std::set<std::string>{"bad.xml", "c.xml"}));
+}
+
+TEST_F(Qrmxml, ShowsTheNamespacesInScope)
+{
+    file("n.xml", "<a xmlns='d' xmlns:p='u&amp;v'><b xmlns:q='x' xmlns:p='y'/></a>");
+    EXPECT_EQ(run("namespaces n.xml").out, "xmlns:p=\"u&amp;v\"\n");
+    EXPECT_EQ(run("namespaces n.xml --tag b").out, "xmlns:p=\"y\"\nxmlns:q=\"x\"\n");
+    EXPECT_EQ(run("namespaces n.xml --prefix-of 'u&v'").out, "p\n");
+    EXPECT_EQ(run("namespaces n.xml --tag b --prefix-of x").out, "q\n");
+    for (const char* const arguments :
+         {"--prefix-of x", "--prefix-of d", "--tag c", "--tag c --prefix-of x"}) {
+        const Result result = run(std::string("namespaces n.xml ") + arguments);
+        EXPECT_EQ(result.status, 1) << arguments;
+        EXPECT_EQ(result.out + result.err, "") << arguments;
+    }
+    file("none.xml", "<a/>");
+    const Result none = run("namespaces none.xml");
+    EXPECT_EQ(none.status, 0);
+    EXPECT_EQ(none.out, "");
+}
+
+TEST_F(Qrmxml, WritesNamespaceDeclarations)
+{
+    file("n.xml", "<a xmlns='d'><p:b xmlns:p='u' p:n='v'><p:c/></p:b></a>");
+    EXPECT_EQ(run("write --ns n.xml").out,
+              kHeader + std::string("<a xmlns=\"d\"><p:b xmlns:p=\"u\" p:n=\"v\"><p:c/></p:b></a>\n"));
+    file("plain.xml", "<a/>");
+    EXPECT_EQ(run("write --ns plain.xml").out, kHeader + std::string("<a xmlns=\"\"/>\n"));
+}
+
 TEST_F(Qrmxml, ShowsATree)
 {
     file("a.xml", "<!DOCTYPE a [<!ATTLIST a d CDATA 'x'><!ENTITY e 'y'>]>"

@@ -69,6 +69,13 @@ int parseFile(QRMIDOM_Parser& parser, const std::string& name, const ReadOptions
     return kDone;
 }
 
+int readDocument(const std::string& name, const ReadOptions& options, QRMIDOM_Document& document)
+{
+    QRMIDOM_Parser parser;
+    prepare(parser, options);
+    return parseFile(parser, name, options, document);
+}
+
 bool moveOn(QRMIDOM_Node& node, int& depth, bool enter)
 {
     if (enter && node.hasChildNodes()) {

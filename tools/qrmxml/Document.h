@@ -17,6 +17,9 @@ void prepare(QRMIDOM_Parser& parser, const ReadOptions& options);
 int parseFile(QRMIDOM_Parser& parser, const std::string& name, const ReadOptions& options,
               QRMIDOM_Document& document);
 
+/// Parses a file with a parser of its own, as parseFile().
+int readDocument(const std::string& name, const ReadOptions& options, QRMIDOM_Document& document);
+
 /// Moves on in document order, without recursion, however deep the document is.
 /// @param node starts as the document
 /// @param depth the levels below the document, 0 at first

@@ -30,10 +30,8 @@ void tryToRead(const std::string& schema, const ReadOptions& options)
     if (fs::is_fifo(schema)) {
         return; // It can be read once only.
     }
-    QRMIDOM_Parser parser;
-    prepare(parser, options);
     QRMIDOM_Document document;
-    if (parseFile(parser, schema, options, document) != kDone) {
+    if (readDocument(schema, options, document) != kDone) {
         throw BadSchema();
     }
 }

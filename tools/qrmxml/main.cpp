@@ -2,6 +2,7 @@
 #include <csignal>
 #include <cstdio>
 #include <functional>
+#include <map>
 #include <sstream>
 
 #include <CLI/CLI.hpp>
@@ -70,12 +71,41 @@ void addFile(CLI::App& command, std::string& file)
     command.add_option("FILE", file, "The document; - is standard input")->required()->type_name("");
 }
 
+/// Options of the commands that write a document.
+void addSaveOptions(CLI::App& command, SaveOptions& options)
+{
+    command.add_option("--encoding", options.encoding, "Encoding of the output, one that contains ASCII")
+        ->type_name("NAME")
+        ->capture_default_str();
+    CLI::Option* const output =
+        command
+            .add_option("-o,--output", options.output,
+                        "Write there; a file is replaced when all is written, - is standard output")
+            ->type_name("OUT");
+    command.add_flag("-i,--in-place", options.inPlace, "Replace FILE itself")->excludes(output);
+    command.add_flag("--ns", options.namespaces, "Write the namespace declarations that elements need");
+}
+
+/// An option NAME=VALUE.
+CLI::Option* addAttribute(CLI::App& command, std::optional<NameValue>& attribute, const std::string& help)
+{
+    const auto take = [&attribute](const std::string& text) {
+        const std::size_t split = text.find('=');
+        if (split == 0 || split == std::string::npos) {
+            throw CLI::ValidationError("--attr", "takes NAME=VALUE, not " + text);
+        }
+        attribute = NameValue{text.substr(0, split), text.substr(split + 1)};
+    };
+    return command.add_option_function<std::string>("--attr", take, help)->type_name("NAME=VALUE");
+}
+
 int execute(int argc, char** argv)
 {
     CLI::App app(
-        "Reads, checks and writes XML documents. `qrmxml COMMAND --help` tells more.\n\n"
-        "Exit status: 0 done; 1 a document is not well-formed or not valid; 2 usage or input/output\n"
-        "trouble. A reader who closes the pipe early ends the tool quietly, with 0.\n"
+        "Reads, checks, searches, changes and writes XML documents. `qrmxml COMMAND --help` tells more.\n\n"
+        "Exit status: 0 done; 1 a document is not well-formed or not valid, or nothing was found; 2 usage "
+        "or\n"
+        "input/output trouble. A reader who closes the pipe early ends the tool quietly, with 0.\n"
         "Documents from anywhere can be read: what they name outside themselves is not loaded, and their\n"
         "entities are expanded up to a limit only, unless --allow-external is given.",
         "qrmxml");
@@ -84,6 +114,8 @@ int execute(int argc, char** argv)
     app.footer("Examples:\n"
                "  qrmxml write --encoding ISO-8859-1 -o out.xml in.xml\n"
                "  qrmxml check --schema-location 'urn:orders orders.xsd' order.xml\n"
+               "  qrmxml find --tag book --attr id=b1 --as text library.xml\n"
+               "  qrmxml set -i settings.xml network/proxy/port --text 8080\n"
                "  qrmxml tree --depth 2 in.xml");
     app.failure_message([](const CLI::App*, const CLI::Error& error) {
         return std::string("qrmxml: error: ") + visible(error.what())
@@ -94,15 +126,7 @@ int execute(int argc, char** argv)
     WriteOptions write;
     CLI::App* const writeCommand = app.add_subcommand("write", "Parse a document and write it out");
     addReadOptions(*writeCommand, write.read);
-    writeCommand->add_option("--encoding", write.encoding, "Encoding of the output, one that contains ASCII")
-        ->type_name("NAME")
-        ->capture_default_str();
-    CLI::Option* const output =
-        writeCommand
-            ->add_option("-o,--output", write.output,
-                         "Write there; a file is replaced when all is written, - is standard output")
-            ->type_name("OUT");
-    writeCommand->add_flag("-i,--in-place", write.inPlace, "Replace FILE itself")->excludes(output);
+    addSaveOptions(*writeCommand, write.save);
     addFile(*writeCommand, write.file);
     writeCommand->footer("Examples:\n"
                          "  qrmxml write --encoding ISO-8859-1 -o out.xml in.xml\n"
@@ -133,6 +157,78 @@ int execute(int argc, char** argv)
                          "  qrmxml check --dtd --allow-external book.xml\n"
                          "  qrmxml check --schema-location 'urn:orders orders.xsd' order.xml");
     checkCommand->callback([&] { command = [&] { return runCheck(check); }; });
+
+    FindOptions find;
+    CLI::App* const findCommand = app.add_subcommand(
+        "find", "Find an element, the first in document order; status 1 where there is none");
+    addReadOptions(*findCommand, find.read);
+    CLI::Option_group* const names = findCommand->add_option_group("Name", "One of these is needed");
+    names->add_option("--tag", find.tag, "The name with its prefix, as it is written")->type_name("NAME");
+    CLI::Option* const localName =
+        names->add_option("--name", find.name, "The name without a prefix, in any namespace")
+            ->type_name("LOCAL");
+    names->require_option(1);
+    findCommand->add_option("--ns-uri", find.namespaceUri, "In this namespace; empty: in none")
+        ->type_name("URI")
+        ->needs(localName);
+    addAttribute(*findCommand, find.attribute, "With this value of the attribute; absent is empty");
+    findCommand->add_option("--text", find.text, "With just this text of its own")->type_name("TEXT");
+    findCommand->add_flag("--children", find.children, "Among the children of the document element only");
+    findCommand->add_flag("--all", find.all, "All of them, a line each");
+    const std::map<std::string, FindOptions::As> shapes = {
+        {"xml", FindOptions::As::kXml}, {"text", FindOptions::As::kText}, {"path", FindOptions::As::kPath}};
+    findCommand
+        ->add_option_function<std::string>(
+            "--as", [&](const std::string& shape) { find.as = shapes.at(shape); },
+            "Show the element, its own text, or the path to it")
+        ->check(CLI::IsMember(shapes).description(""))
+        ->type_name("xml|text|path")
+        ->default_str("xml");
+    addFile(*findCommand, find.file);
+    findCommand->footer(
+        "Examples:\n"
+        "  qrmxml find --tag book --attr id=b1 library.xml\n"
+        "  qrmxml find --name title --ns-uri http://purl.org/dc/elements/1.1/ --all --as text library.xml");
+    findCommand->callback([&] { command = [&] { return runFind(find); }; });
+
+    SetOptions set;
+    CLI::App* const setCommand =
+        app.add_subcommand("set", "Make sure that an element exists, and write the document out");
+    addReadOptions(*setCommand, set.read);
+    addSaveOptions(*setCommand, set.save);
+    CLI::Option* const withText =
+        setCommand->add_option("--text", set.text, "The last element of the path is one with this text")
+            ->type_name("TEXT");
+    addAttribute(*setCommand, set.attribute, "The last element is a child with this value of the attribute")
+        ->excludes(withText);
+    addFile(*setCommand, set.file);
+    setCommand->add_option("PATH", set.path, "Names with / between them, from below the document element")
+        ->required()
+        ->type_name("");
+    setCommand->footer(
+        "What is there already is found on any level below the step before; what is missing is made.\n"
+        "Examples:\n"
+        "  qrmxml set -i settings.xml network/proxy/port --text 8080\n"
+        "  qrmxml set in.xml users/user --attr name=anna -o out.xml");
+    setCommand->callback([&] { command = [&] { return runSet(set); }; });
+
+    NamespacesOptions namespaces;
+    CLI::App* const namespacesCommand =
+        app.add_subcommand("namespaces", "Show the prefixes that are declared at an element");
+    addReadOptions(*namespacesCommand, namespaces.read);
+    namespacesCommand
+        ->add_option("--tag", namespaces.tag,
+                     "At the first element of this name, not at the document element")
+        ->type_name("NAME");
+    namespacesCommand
+        ->add_option("--prefix-of", namespaces.prefixOf,
+                     "Show the prefix of this namespace; status 1 without one")
+        ->type_name("URI");
+    addFile(*namespacesCommand, namespaces.file);
+    namespacesCommand->footer("Examples:\n"
+                              "  qrmxml namespaces --tag soap:Body message.xml\n"
+                              "  qrmxml namespaces --prefix-of urn:orders order.xml");
+    namespacesCommand->callback([&] { command = [&] { return runNamespaces(namespaces); }; });
 
     TreeOptions tree;
     CLI::App* const treeCommand = app.add_subcommand("tree", "Show the outline of a document");

@@ -73,10 +73,8 @@ std::string describe(const QRMIDOM_Node& node)
 
 int runTree(const TreeOptions& options)
 {
-    QRMIDOM_Parser parser;
-    prepare(parser, options.read);
     QRMIDOM_Document document;
-    const int status = parseFile(parser, options.file, options.read, document);
+    const int status = readDocument(options.file, options.read, document);
     if (status != kDone) {
         return status;
     }
