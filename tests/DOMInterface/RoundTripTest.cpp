@@ -10,11 +10,11 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
-#include <set>
 #include <vector>
 
 #include <unistd.h>
 
+#include "tests/support/RealDocuments.h"
 #include "tests/support/TestDocument.h"
 #include "tests/support/TreeEqual.h"
 
@@ -22,44 +22,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-struct Package
-{
-    friend void PrintTo(const Package& package, std::ostream* stream) { *stream << package.name; }
-
-    const char* name;
-    const char* folder;
-    std::size_t atLeast; // documents to be found there
-    std::size_t atMost;  // documents to be taken from there
-    std::set<std::string> illFormed;
-};
-
-const Package kPackages[] = {
-    {"iso-codes", "/usr/share/xml/iso-codes", 7, 100, {"iso_3166-2.xml", "iso_3166_2.xml", "iso_3166-3.xml"}},
-    {"shared-mime-info", "/usr/share/mime/packages", 1, 100, {}},
-    {"xkb-data", "/usr/share/X11/xkb/rules", 2, 100, {}},
-    {"unicode-cldr-core", "/usr/share/unicode/cldr/common", 300, 320, {}},
-};
-
-std::vector<fs::path> documentsOf(const Package& package)
-{
-    std::vector<fs::path> all;
-    if (fs::exists(package.folder)) {
-        for (const auto& entry : fs::recursive_directory_iterator(package.folder)) {
-            if (entry.is_regular_file() && entry.path().extension() == ".xml") {
-                all.push_back(entry.path());
-            }
-        }
-    }
-    std::sort(all.begin(), all.end());
-    if (all.size() <= package.atMost) {
-        return all;
-    }
-    std::vector<fs::path> spread;
-    for (std::size_t i = 0; i < package.atMost; ++i) {
-        spread.push_back(all[i * all.size() / package.atMost]);
-    }
-    return spread;
-}
+using real_documents::Package;
 
 int parseFile(const fs::path& path, QRMIDOM_Document& document, std::string& error)
 {
@@ -139,16 +102,17 @@ protected:
     ~RoundTrip() override { fs::remove_all(folder); }
 };
 
-INSTANTIATE_TEST_SUITE_P(RealDocuments, RoundTrip, testing::ValuesIn(kPackages), [](const auto& package) {
-    std::string name = package.param.name;
-    name.erase(std::remove(name.begin(), name.end(), '-'), name.end());
-    return name;
-});
+INSTANTIATE_TEST_SUITE_P(RealDocuments, RoundTrip, testing::ValuesIn(real_documents::packages()),
+                         [](const auto& package) {
+                             std::string name = package.param.name;
+                             name.erase(std::remove(name.begin(), name.end(), '-'), name.end());
+                             return name;
+                         });
 
 TEST_P(RoundTrip, KeepsEverything)
 {
     const Package& package = GetParam();
-    const std::vector<fs::path> documents = documentsOf(package);
+    const std::vector<fs::path> documents = real_documents::of(package);
     ASSERT_GE(documents.size(), package.atLeast) << "is the package " << package.name << " installed?";
 
     std::vector<std::string> inputs;

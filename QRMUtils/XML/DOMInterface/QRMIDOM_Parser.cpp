@@ -24,6 +24,7 @@
 #include "QRMUtils/XML/DOMInterface/QRMIDOM_XercesHelper.h"
 #include "QRMUtils/XML/DOMInterface/QRMISAX_Parser.h"
 #include "QRMUtils/XML/DOMInterface/WQSStreamInputSource.h"
+#include "QRMUtils/XML/DOMInterface/internal/LinkingParser.h"
 #include "QRMUtils/XML/DOMInterface/internal/Sharing.h"
 #include "WQSStreams/WQSFileInputStream.h"
 
@@ -143,9 +144,17 @@ public:
 
 namespace {
 
+/// What every DOM_ParserImpl is.
+using TreeParser = qrm::LinkingParser<DOM_ParserImpl>;
+
+TreeParser& treeParser(DOM_ParserImpl& parser)
+{
+    return static_cast<TreeParser&>(parser);
+}
+
 std::unique_ptr<DOM_ParserImpl> makeParser(int grammarCaching, QRMFileLocation site)
 {
-    std::unique_ptr<DOM_ParserImpl> parser(qrm::allocated(site, [] { return new DOM_ParserImpl; }));
+    std::unique_ptr<DOM_ParserImpl> parser(qrm::allocated(site, [] { return new TreeParser; }));
     parser->setDoNamespaces(true);
     parser->setIncludeIgnorableWhitespace(true);
     if (grammarCaching == kCacheGrammars) {
@@ -266,6 +275,7 @@ void QRMIDOM_Parser::replaceSpentParser()
         auto fresh = makeParser(m_grammarCaching, QRM_SITE_HERE);
         fresh->setErrorHandler(m_errorHandler);
         fresh->takeSettings(*m_parserImpl);
+        treeParser(*fresh).setLinks(treeParser(*m_parserImpl).links());
         delete m_parserImpl;
         m_parserImpl = fresh.release();
     }
@@ -314,6 +324,11 @@ void QRMIDOM_Parser::setRefuseExternal(int flag)
 void QRMIDOM_Parser::setEntityExpansionLimit(unsigned int limit)
 {
     m_parserImpl->limitExpansions(limit);
+}
+
+void QRMIDOM_Parser::setDirectLinking(int flag)
+{
+    treeParser(*m_parserImpl).setLinks(flag != 0);
 }
 
 void QRMIDOM_Parser::reset()

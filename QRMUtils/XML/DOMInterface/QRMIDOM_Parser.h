@@ -92,6 +92,10 @@ public:
     /// limit.
     void setEntityExpansionLimit(unsigned int limit);
 
+    /// Whether nodes of usual content are linked by the library itself, which takes about half of the time; on at first.
+    /// The trees are the same.
+    void setDirectLinking(int flag);
+
     /// In grammar-caching mode, gives up the cached grammars, as every parse does at its end; otherwise does nothing.
     void reset();
 
