@@ -42,10 +42,14 @@ char* I18NConverter::fromUnicodeIfExpressible(const char16_t* source, I18NAlloca
                           allocator, context);
 }
 
-bool I18NConverter::keepsAscii() const
+char32_t I18NConverter::lastDirect() const
 {
-    const auto codec = static_cast<Codec>(m_codec);
-    return codec == Codec::kUtf8 || codec == Codec::kAscii || codec == Codec::kLatin1;
+    switch (static_cast<Codec>(m_codec)) {
+    case Codec::kUtf8: return 0x10FFFF;
+    case Codec::kLatin1: return 0xFF;
+    case Codec::kAscii: return 0x7F;
+    default: return 0;
+    }
 }
 
 int I18NConverter::sizeofLegacyNull() const

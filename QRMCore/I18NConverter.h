@@ -39,9 +39,10 @@ public:
     char* fromUnicodeIfExpressible(const char16_t* source, I18NAllocator allocator,
                                    void* context = nullptr) const;
 
-    /// Whether this is known to be an encoding in which each ASCII character is the one byte of its own value; false
-    /// tells nothing.
-    bool keepsAscii() const;
+    /// The last character of the encoding, where it is UTF-8 (U+10FFFF), ISO-8859-1 (U+00FF) or US-ASCII (U+007F): these
+    /// have every character up to the last one, and each ASCII character as the one byte of its own value. 0 for any
+    /// other encoding.
+    char32_t lastDirect() const;
 
     /// The bytes of the encoding's null: 1, 2 or 4.
     int sizeofLegacyNull() const;

@@ -356,14 +356,15 @@ TEST(I18NConverter, TakesMemoryFromTheAllocatorOnce)
     }
 }
 
-TEST(I18NConverter, TellsWhetherAsciiStaysAscii)
+TEST(I18NConverter, TellsTheLastCharacterOfTheEncodingsThatItConvertsItself)
 {
-    for (const char* encoding : {static_cast<const char*>(nullptr), "UTF-8", "us-ascii", "latin1"}) {
-        EXPECT_TRUE(I18NConverter(encoding).keepsAscii());
-        EXPECT_EQ(toBytes(u"a<~", encoding).text, "a<~");
-    }
-    EXPECT_FALSE(I18NConverter("UTF-16").keepsAscii());
-    EXPECT_FALSE(I18NConverter("IBM037").keepsAscii());
+    EXPECT_EQ(I18NConverter().lastDirect(), char32_t(0x10FFFF));
+    EXPECT_EQ(I18NConverter("UTF-8").lastDirect(), char32_t(0x10FFFF));
+    EXPECT_EQ(I18NConverter("latin1").lastDirect(), char32_t(0xFF));
+    EXPECT_EQ(I18NConverter("us-ascii").lastDirect(), char32_t(0x7F));
+    EXPECT_EQ(I18NConverter("UTF-16").lastDirect(), char32_t(0));
+    EXPECT_EQ(I18NConverter("IBM037").lastDirect(), char32_t(0));
+    EXPECT_EQ(I18NConverter("windows-1252").lastDirect(), char32_t(0));
 }
 
 TEST(I18NConverter, TellsItsName)

@@ -161,8 +161,10 @@ auto hasNamespaceURI(const I18NString& namespaceURI)
 
 auto hasAttribute(const I18NString& attrName, const I18NString& attrValue)
 {
-    return [name = Bridge::I18NStringToDOMString(attrName), value = attrValue.getExternalBuffer()](
-               const DOMElement* element) { return XMLString::equals(element->getAttribute(name), value); };
+    return [name = Bridge::I18NStringToDOMString(attrName),
+            value = attrValue.getExternalBuffer()](const DOMElement* element) {
+        return XMLString::equals(qrm::attributeOf(element, name), value);
+    };
 }
 
 template <class Visit>
@@ -170,7 +172,7 @@ void forEachText(const DOMNode* element, Visit&& visit)
 {
     for (const DOMNode* child = element->getFirstChild(); child != nullptr; child = child->getNextSibling()) {
         if (child->getNodeType() == DOMNode::TEXT_NODE) {
-            visit(child->getNodeValue());
+            visit(qrm::dataOf(static_cast<const xercesc::DOMText*>(child)));
         }
     }
 }

@@ -1,8 +1,7 @@
 #ifndef QRMIDOM_INTERNAL_LINKINGPARSER_H
 #define QRMIDOM_INTERNAL_LINKINGPARSER_H
 
-#include <xercesc/dom/DOM.hpp>
-#include <xercesc/dom/impl/DOMCasts.hpp>
+#include <xercesc/dom/impl/DOMNodeIDMap.hpp>
 #include <xercesc/framework/XMLAttr.hpp>
 #include <xercesc/framework/XMLBufferMgr.hpp>
 #include <xercesc/framework/XMLElementDecl.hpp>
@@ -10,12 +9,7 @@
 #include <xercesc/util/XMLString.hpp>
 #include <xercesc/util/XMLUniDefs.hpp>
 
-// These lean on each other in this order.
-#include <xercesc/dom/impl/DOMAttrImpl.hpp>
-#include <xercesc/dom/impl/DOMDocumentImpl.hpp>
-#include <xercesc/dom/impl/DOMElementImpl.hpp>
-#include <xercesc/dom/impl/DOMNodeIDMap.hpp>
-#include <xercesc/dom/impl/DOMTextImpl.hpp>
+#include "QRMUtils/XML/DOMInterface/internal/Links.h"
 
 namespace qrm {
 
@@ -180,13 +174,9 @@ private:
         }
     }
 
-    static xercesc::DOMChildNode& siblingsOf(xercesc::DOMNode* node)
+    static xercesc::DOMChildNode& siblings(xercesc::DOMNode* node)
     {
-        switch (node->getNodeType()) {
-        case xercesc::DOMNode::ELEMENT_NODE: return static_cast<xercesc::DOMElementImpl*>(node)->fChild;
-        case xercesc::DOMNode::TEXT_NODE: return static_cast<xercesc::DOMTextImpl*>(node)->fChild;
-        default: return *xercesc::castToChildImpl(node);
-        }
+        return siblingsOf(node, node->getNodeType());
     }
 
     template <class Node>
@@ -214,8 +204,8 @@ private:
             return;
         }
         own(element.fParent, child);
-        xercesc::DOMChildNode& first = siblingsOf(element.fParent.fFirstChild);
-        siblingsOf(first.previousSibling).nextSibling = &child;
+        xercesc::DOMChildNode& first = siblings(element.fParent.fFirstChild);
+        siblings(first.previousSibling).nextSibling = &child;
         child.fChild.previousSibling = first.previousSibling;
         first.previousSibling = &child;
     }

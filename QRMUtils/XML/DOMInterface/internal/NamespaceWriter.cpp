@@ -24,7 +24,7 @@ bool declares(const XMLCh* name, const XMLCh* prefix, XMLSize_t prefixLength)
 
 } // namespace
 
-void NamespaceWriter::writeAttributes(const DOMNode* element)
+void NamespaceWriter::writeAttributes(const DOMElement* element)
 {
     const XMLCh* const prefix = element->getPrefix();
     if (needsDeclaration(element, prefix)) {
@@ -36,15 +36,15 @@ void NamespaceWriter::writeAttributes(const DOMNode* element)
     }
     // The element's own declaration stands already, here or on an element around it.
     const XMLSize_t prefixLength = XMLString::stringLen(prefix);
-    forEachSpecified(element, [&](const DOMAttr& attribute) {
-        if (!declares(attribute.getNodeName(), prefix, prefixLength)) {
+    forEachSpecified(element, [&](const DOMAttr* attribute) {
+        if (!declares(implOf(attribute).fName, prefix, prefixLength)) {
             writeAttribute(attribute);
         }
         return true;
     });
 }
 
-bool NamespaceWriter::needsDeclaration(const DOMNode* element, const XMLCh* prefix) const
+bool NamespaceWriter::needsDeclaration(const DOMElement* element, const XMLCh* prefix) const
 {
     const DOMNode* const parent = parentOf(element);
     if (parent == nullptr || parent->getNodeType() == DOMNode::DOCUMENT_NODE) {
@@ -56,11 +56,11 @@ bool NamespaceWriter::needsDeclaration(const DOMNode* element, const XMLCh* pref
 
 /// Writes a declaration of the element's namespace. An attribute "xmlns" stands in its way, whatever the prefix: the
 /// declaration of the prefix is lost then.
-void NamespaceWriter::writeDeclaration(const DOMNode* element, const XMLCh* prefix)
+void NamespaceWriter::writeDeclaration(const DOMElement* element, const XMLCh* prefix)
 {
     const XMLCh* const xmlns = m_xmlnsName().getExternalBuffer();
-    const bool hasDefault = !forEachSpecified(element, [xmlns](const DOMAttr& attribute) {
-        return !XMLString::equals(attribute.getNodeName(), xmlns);
+    const bool hasDefault = !forEachSpecified(element, [xmlns](const DOMAttr* attribute) {
+        return !XMLString::equals(implOf(attribute).fName, xmlns);
     });
     if (hasDefault) {
         return;

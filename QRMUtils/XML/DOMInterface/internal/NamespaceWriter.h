@@ -19,10 +19,10 @@ public:
     }
 
 private:
-    void writeAttributes(const xercesc::DOMNode* element) override;
+    void writeAttributes(const xercesc::DOMElement* element) override;
 
-    bool needsDeclaration(const xercesc::DOMNode* element, const XMLCh* prefix) const;
-    void writeDeclaration(const xercesc::DOMNode* element, const XMLCh* prefix);
+    bool needsDeclaration(const xercesc::DOMElement* element, const XMLCh* prefix) const;
+    void writeDeclaration(const xercesc::DOMElement* element, const XMLCh* prefix);
 
     const I18NString& (*m_xmlnsName)();
 };

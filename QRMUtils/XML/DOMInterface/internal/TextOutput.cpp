@@ -1,7 +1,6 @@
 #include "QRMUtils/XML/DOMInterface/internal/TextOutput.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <cstring>
 #include <limits>
 
@@ -16,30 +15,6 @@ namespace qrm {
 
 namespace {
 
-struct Entity
-{
-    const char* text;
-    int length;
-};
-
-/// The entity that stands for a byte; null where the byte stands for itself.
-const Entity* entityFor(char byte)
-{
-    static constexpr Entity kLess = {"&lt;", 4};
-    static constexpr Entity kGreater = {"&gt;", 4};
-    static constexpr Entity kAmpersand = {"&amp;", 5};
-    static constexpr Entity kApostrophe = {"&apos;", 6};
-    static constexpr Entity kQuote = {"&quot;", 6};
-    switch (byte) {
-    case '<': return &kLess;
-    case '>': return &kGreater;
-    case '&': return &kAmpersand;
-    case '\'': return &kApostrophe;
-    case '"': return &kQuote;
-    default: return nullptr;
-    }
-}
-
 /// The character at the index of a text without lone surrogates.
 char32_t characterAt(const I18NString& text, int index)
 {
@@ -49,14 +24,6 @@ char32_t characterAt(const I18NString& text, int index)
     }
     const char16_t next = text.charAt(index + 1);
     return 0x10000 + ((static_cast<char32_t>(unit) - 0xD800) << 10) + (static_cast<char32_t>(next) - 0xDC00);
-}
-
-void writeReference(DomWriter& writer, char32_t character)
-{
-    char reference[sizeof "&#1114111;"];
-    const int length =
-        std::snprintf(reference, sizeof reference, "&#%lu;", static_cast<unsigned long>(character));
-    writer.write(reference, length);
 }
 
 /// The escaped write of a text that the encoding cannot express as a whole. The references take the place that
@@ -80,55 +47,10 @@ void writeWithReferences(DomWriter& writer, const I18NConverter& converter, cons
             return;
         }
         const char32_t character = characterAt(text, index);
-        writeReference(writer, character);
+        writeEscape(writer, character);
         start = index + (character > 0xFFFF ? 2 : 1);
     }
 }
-
-/// Whether an ASCII character stands for itself in text; one look instead of five questions.
-struct PlainTable
-{
-    bool isPlain[128] = {};
-
-    constexpr PlainTable()
-    {
-        for (int byte = 1; byte < 128; ++byte) {
-            isPlain[byte] = byte != '<' && byte != '>' && byte != '&' && byte != '\'' && byte != '"';
-        }
-    }
-};
-constexpr PlainTable kPlain;
-
-/// A short text that is plain ASCII: nothing to convert and nothing to escape, as most names and values are.
-class PlainText
-{
-public:
-    explicit PlainText(const XMLCh* text)
-    {
-        for (; m_length < kMaxLength; ++m_length) {
-            const XMLCh unit = text != nullptr ? text[m_length] : XMLCh(0);
-            if (unit == 0) {
-                m_isPlain = true;
-                return;
-            }
-            if (unit >= 0x80 || !kPlain.isPlain[unit]) {
-                return;
-            }
-            m_bytes[m_length] = static_cast<char>(unit);
-        }
-    }
-
-    explicit operator bool() const { return m_isPlain; }
-    const char* bytes() const { return m_bytes; }
-    int length() const { return m_length; }
-
-private:
-    static constexpr int kMaxLength = 48;
-
-    char m_bytes[kMaxLength];
-    int m_length = 0;
-    bool m_isPlain = false;
-};
 
 /// Names are a few bytes, asked about for every string: comparing them here takes less than the call of a function.
 bool sameName(const char* a, const char* b)
@@ -168,8 +90,7 @@ void writeEscaped(DomWriter& writer, const char* text, std::size_t length)
             return;
         }
         writer.write(text + position, special - position);
-        const Entity* const entity = entityFor(text[special]);
-        writer.write(entity->text, entity->length);
+        writeEscape(writer, static_cast<unsigned char>(text[special]));
         position = special + 1;
     }
 }
@@ -196,11 +117,9 @@ void writeRaw(DomWriter& writer, const I18NString& text)
 void TextOutput::escaped(const XMLCh* text, Unexpressible policy)
 {
     const I18NConverter& converter = currentConverter();
-    if (m_keepsAscii) {
-        if (const PlainText plain(text); plain) {
-            m_writer.write(plain.bytes(), plain.length());
-            return;
-        }
+    if (m_lastDirect != 0 && m_direct.convert(text, m_lastDirect, policy == Unexpressible::kReference)) {
+        m_direct.write(m_writer);
+        return;
     }
     const char* const bytes =
         policy == Unexpressible::kError
@@ -218,7 +137,7 @@ const I18NConverter& TextOutput::currentConverter()
     const char* const encoding = m_writer.getOutputEncoding();
     if (!m_converter.has_value() || !sameName(m_converter->getEncoding(), encoding)) {
         m_converter.emplace(encoding);
-        m_keepsAscii = m_converter->keepsAscii();
+        m_lastDirect = m_converter->lastDirect();
     }
     return *m_converter;
 }

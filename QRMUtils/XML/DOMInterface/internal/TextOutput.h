@@ -9,6 +9,7 @@
 
 #include "QRMCore/I18NConverter.h"
 #include "QRMUtils/XML/DOMInterface/DomWriter.h"
+#include "QRMUtils/XML/DOMInterface/internal/DirectText.h"
 
 class I18NString;
 
@@ -60,7 +61,8 @@ private:
 
     DomWriter& m_writer;
     std::optional<I18NConverter> m_converter;
-    bool m_keepsAscii = false;
+    char32_t m_lastDirect = 0;
+    DirectText m_direct;
     ScratchMemory m_scratch;
 };
 

@@ -10,20 +10,22 @@ void TreeWriter::write(const DOMNode* root)
 {
     const DOMNode* node = root;
     for (;;) {
+        DOMNode::NodeType type = node->getNodeType();
         const DOMNode* child = nullptr;
-        if (open(node, child)) {
+        if (open(node, type, child)) {
             if (child != nullptr) {
                 m_ancestors.push_back(node);
                 node = child;
                 continue;
             }
-            close(node);
+            close(node, type);
         }
         const DOMNode* next = nullptr;
-        while (node != root && (next = node->getNextSibling()) == nullptr) {
+        while (node != root && (next = nextSiblingOf(node, type)) == nullptr) {
             node = m_ancestors.back();
             m_ancestors.pop_back();
-            close(node);
+            type = node->getNodeType();
+            close(node, type);
         }
         if (node == root) {
             return;
@@ -35,11 +37,13 @@ void TreeWriter::write(const DOMNode* root)
 /// Writes what comes before a node's children, or all of a node that is written without children.
 /// @param child gets the first child to be written
 /// @return whether children and close() are to follow
-bool TreeWriter::open(const DOMNode* node, const DOMNode*& child)
+bool TreeWriter::open(const DOMNode* node, DOMNode::NodeType type, const DOMNode*& child)
 {
-    switch (node->getNodeType()) {
-    case DOMNode::ELEMENT_NODE: child = openElement(node); return child != nullptr;
-    case DOMNode::TEXT_NODE: content(node->getNodeValue()); return false;
+    switch (type) {
+    case DOMNode::ELEMENT_NODE:
+        child = openElement(static_cast<const DOMElement*>(node));
+        return child != nullptr;
+    case DOMNode::TEXT_NODE: content(dataOf(static_cast<const DOMText*>(node))); return false;
     case DOMNode::CDATA_SECTION_NODE:
         literal("<![CDATA[");
         raw(node->getNodeValue());
@@ -70,25 +74,25 @@ bool TreeWriter::open(const DOMNode* node, const DOMNode*& child)
     }
 }
 
-void TreeWriter::close(const DOMNode* node)
+void TreeWriter::close(const DOMNode* node, DOMNode::NodeType type)
 {
-    if (node->getNodeType() == DOMNode::DOCUMENT_NODE) {
+    if (type == DOMNode::DOCUMENT_NODE) {
         m_writer.endline();
     } else {
         literal("</");
-        strict(node->getNodeName());
+        strict(implOf(static_cast<const DOMElement*>(node)).fName);
         literal(">");
     }
 }
 
 /// Writes a start tag, or the tag of an empty element.
 /// @return the first child, null for an empty element
-const DOMNode* TreeWriter::openElement(const DOMNode* element)
+const DOMNode* TreeWriter::openElement(const DOMElement* element)
 {
     literal("<");
-    strict(element->getNodeName());
+    strict(implOf(element).fName);
     writeAttributes(element);
-    const DOMNode* const child = element->getFirstChild();
+    const DOMNode* const child = implOf(element).fParent.fFirstChild;
     if (child != nullptr) {
         literal(">");
     } else {
@@ -97,20 +101,20 @@ const DOMNode* TreeWriter::openElement(const DOMNode* element)
     return child;
 }
 
-void TreeWriter::writeAttributes(const DOMNode* element)
+void TreeWriter::writeAttributes(const DOMElement* element)
 {
-    forEachSpecified(element, [this](const DOMAttr& attribute) {
+    forEachSpecified(element, [this](const DOMAttr* attribute) {
         writeAttribute(attribute);
         return true;
     });
 }
 
-void TreeWriter::writeAttribute(const DOMAttr& attribute)
+void TreeWriter::writeAttribute(const DOMAttr* attribute)
 {
     literal(" ");
-    strict(attribute.getNodeName());
+    strict(implOf(attribute).fName);
     literal("=\"");
-    content(attribute.getNodeValue());
+    content(valueOf(attribute));
     literal("\"");
 }
 

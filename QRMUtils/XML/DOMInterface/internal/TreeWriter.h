@@ -3,8 +3,7 @@
 
 #include <vector>
 
-#include <xercesc/dom/DOM.hpp>
-
+#include "QRMUtils/XML/DOMInterface/internal/Links.h"
 #include "QRMUtils/XML/DOMInterface/internal/Strings.h"
 #include "QRMUtils/XML/DOMInterface/internal/TextOutput.h"
 
@@ -25,20 +24,20 @@ public:
 
 protected:
     /// Writes what stands in a start tag behind the name.
-    virtual void writeAttributes(const xercesc::DOMNode* element);
+    virtual void writeAttributes(const xercesc::DOMElement* element);
 
-    void writeAttribute(const xercesc::DOMAttr& attribute);
+    void writeAttribute(const xercesc::DOMAttr* attribute);
 
     /// Calls with each attribute that is not just a default of the document type, until a call gives false.
     /// @return whether all calls gave true
     template <class Call>
-    static bool forEachSpecified(const xercesc::DOMNode* element, Call&& call)
+    static bool forEachSpecified(const xercesc::DOMElement* element, Call&& call)
     {
-        const xercesc::DOMNamedNodeMap* const attributes = element->getAttributes();
-        const XMLSize_t count = attributes->getLength();
+        const xercesc::DOMNamedNodeMap& attributes = *implOf(element).fAttributes;
+        const XMLSize_t count = attributes.getLength();
         for (XMLSize_t i = 0; i < count; ++i) {
-            const auto* const attribute = static_cast<const xercesc::DOMAttr*>(attributes->item(i));
-            if (attribute->getSpecified() && !call(*attribute)) {
+            const auto* const attribute = static_cast<const xercesc::DOMAttr*>(attributes.item(i));
+            if (implOf(attribute).fNode.isSpecified() && !call(attribute)) {
                 return false;
             }
         }
@@ -64,10 +63,10 @@ protected:
     void raw(const XMLCh* text) { m_text.raw(text); }
 
 private:
-    bool open(const xercesc::DOMNode* node, const xercesc::DOMNode*& child);
-    void close(const xercesc::DOMNode* node);
+    bool open(const xercesc::DOMNode* node, xercesc::DOMNode::NodeType type, const xercesc::DOMNode*& child);
+    void close(const xercesc::DOMNode* node, xercesc::DOMNode::NodeType type);
 
-    const xercesc::DOMNode* openElement(const xercesc::DOMNode* element);
+    const xercesc::DOMNode* openElement(const xercesc::DOMElement* element);
     void writeProcessingInstruction(const xercesc::DOMNode* instruction);
     void writeEntity(const xercesc::DOMEntity& entity);
     void writeDocumentType(const xercesc::DOMDocumentType& doctype);

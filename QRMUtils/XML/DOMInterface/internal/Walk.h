@@ -6,7 +6,7 @@
 #include <memory_resource>
 #include <vector>
 
-#include <xercesc/dom/DOM.hpp>
+#include "QRMUtils/XML/DOMInterface/internal/Links.h"
 
 namespace qrm {
 
@@ -34,9 +34,11 @@ public:
                 node = m_behind.back();
                 m_behind.pop_back();
             }
-            xercesc::DOMNode* const behind = node->getNextSibling();
-            if (node->getNodeType() == xercesc::DOMNode::ELEMENT_NODE) {
-                m_next = node->getFirstChild();
+            const xercesc::DOMNode::NodeType type = node->getNodeType();
+            prefetchBehind(node);
+            xercesc::DOMNode* const behind = nextSiblingOf(node, type);
+            if (type == xercesc::DOMNode::ELEMENT_NODE) {
+                m_next = implOf(static_cast<xercesc::DOMElement*>(node)).fParent.fFirstChild;
                 if (m_next == nullptr) {
                     m_next = behind;
                 } else if (behind != nullptr) {
