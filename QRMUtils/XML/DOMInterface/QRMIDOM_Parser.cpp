@@ -6,25 +6,20 @@
 #include <optional>
 
 #include <xercesc/dom/DOM.hpp>
-#include <xercesc/framework/LocalFileInputSource.hpp>
 #include <xercesc/framework/MemBufInputSource.hpp>
-#include <xercesc/framework/URLInputSource.hpp>
 #include <xercesc/parsers/XercesDOMParser.hpp>
 #include <xercesc/sax/ErrorHandler.hpp>
 #include <xercesc/sax/SAXParseException.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
 #include <xercesc/util/SecurityManager.hpp>
-#include <xercesc/util/XMLEntityResolver.hpp>
 #include <xercesc/util/XMLExceptMsgs.hpp>
-#include <xercesc/util/XMLResourceIdentifier.hpp>
-#include <xercesc/util/XMLString.hpp>
-#include <xercesc/util/XMLStringTokenizer.hpp>
-#include <xercesc/util/XMLURL.hpp>
 
 #include "QRMUtils/XML/DOMInterface/QRMIDOM_XercesHelper.h"
 #include "QRMUtils/XML/DOMInterface/QRMISAX_Parser.h"
 #include "QRMUtils/XML/DOMInterface/WQSStreamInputSource.h"
+#include "QRMUtils/XML/DOMInterface/internal/LimitedParser.h"
 #include "QRMUtils/XML/DOMInterface/internal/LinkingParser.h"
+#include "QRMUtils/XML/DOMInterface/internal/SchemasOnly.h"
 #include "QRMUtils/XML/DOMInterface/internal/Sharing.h"
 #include "WQSStreams/WQSFileInputStream.h"
 
@@ -32,8 +27,6 @@ using xercesc::InputSource;
 using xercesc::SAXParseException;
 using xercesc::XercesDOMParser;
 using xercesc::XMLPlatformUtils;
-using xercesc::XMLResourceIdentifier;
-using xercesc::XMLString;
 
 namespace {
 
@@ -48,7 +41,7 @@ int narrowed(XMLFileLoc position)
 } // namespace
 
 /// The Xerces parser, with what its settings need to live as long as it does.
-class DOM_ParserImpl : public XercesDOMParser, private xercesc::XMLEntityResolver
+class DOM_ParserImpl : public XercesDOMParser, private qrm::SchemasOnly
 {
 public:
     DOM_ParserImpl() : XercesDOMParser(nullptr, XMLPlatformUtils::fgMemoryManager, nullptr) {}
@@ -82,45 +75,8 @@ public:
     bool isSpent = false;
 
 private:
-    /// Asked only while external resources are refused: opens the schemas that the caller named and those that these
-    /// include. Null refuses.
-    InputSource* resolveEntity(XMLResourceIdentifier* resource) override
-    {
-        switch (resource->getResourceIdentifierType()) {
-        case XMLResourceIdentifier::SchemaGrammar:
-            return isNamedSchema(resource->getSystemId()) ? open(*resource) : nullptr;
-        case XMLResourceIdentifier::SchemaImport:
-        case XMLResourceIdentifier::SchemaInclude:
-        case XMLResourceIdentifier::SchemaRedefine: return open(*resource);
-        default: return nullptr;
-        }
-    }
-
-    bool isNamedSchema(const XMLCh* location) const
-    {
-        if (XMLString::equals(location, getExternalNoNamespaceSchemaLocation())) {
-            return true;
-        }
-        if (getExternalSchemaLocation() == nullptr) {
-            return false;
-        }
-        xercesc::XMLStringTokenizer pairs(getExternalSchemaLocation());
-        while (pairs.nextToken() != nullptr) {
-            if (XMLString::equals(location, pairs.nextToken())) {
-                return true;
-            }
-        }
-        return false;
-    }
-
-    static InputSource* open(const XMLResourceIdentifier& resource)
-    {
-        xercesc::XMLURL url;
-        if (url.setURL(resource.getBaseURI(), resource.getSystemId(), url) && !url.isRelative()) {
-            return new xercesc::URLInputSource(url);
-        }
-        return new xercesc::LocalFileInputSource(resource.getBaseURI(), resource.getSystemId());
-    }
+    const XMLCh* namedSchemas() const override { return getExternalSchemaLocation(); }
+    const XMLCh* namedNoNamespaceSchema() const override { return getExternalNoNamespaceSchemaLocation(); }
 
     xercesc::SecurityManager m_securityManager;
     unsigned int m_expansionLimit = 0;
@@ -145,7 +101,7 @@ public:
 namespace {
 
 /// What every DOM_ParserImpl is.
-using TreeParser = qrm::LinkingParser<DOM_ParserImpl>;
+using TreeParser = qrm::LimitedParser<qrm::LinkingParser<DOM_ParserImpl>>;
 
 TreeParser& treeParser(DOM_ParserImpl& parser)
 {
@@ -225,7 +181,7 @@ int QRMIDOM_Parser::parse(InputSource& src, QRMIDOM_Document& doc)
 
     int result = 1;
     try {
-        m_parserImpl->parse(src);
+        treeParser(*m_parserImpl).parseLimited(src);
     } catch (const xercesc::DOMException&) {
         result = recordFailure(kParseError);
     } catch (const SAXParseException& error) {
@@ -276,6 +232,7 @@ void QRMIDOM_Parser::replaceSpentParser()
         fresh->setErrorHandler(m_errorHandler);
         fresh->takeSettings(*m_parserImpl);
         treeParser(*fresh).setLinks(treeParser(*m_parserImpl).links());
+        treeParser(*fresh).limits = treeParser(*m_parserImpl).limits;
         delete m_parserImpl;
         m_parserImpl = fresh.release();
     }
@@ -324,6 +281,17 @@ void QRMIDOM_Parser::setRefuseExternal(int flag)
 void QRMIDOM_Parser::setEntityExpansionLimit(unsigned int limit)
 {
     m_parserImpl->limitExpansions(limit);
+}
+
+void QRMIDOM_Parser::setDepthLimit(unsigned int levels)
+{
+    treeParser(*m_parserImpl).limits.maxDepth = levels;
+}
+
+void QRMIDOM_Parser::setAmplificationLimit(unsigned int factor, unsigned long from)
+{
+    treeParser(*m_parserImpl).limits.maxAmplification = factor;
+    treeParser(*m_parserImpl).limits.amplifiedFrom = from;
 }
 
 void QRMIDOM_Parser::setDirectLinking(int flag)

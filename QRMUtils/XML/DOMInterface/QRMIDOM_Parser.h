@@ -92,6 +92,16 @@ public:
     /// limit.
     void setEntityExpansionLimit(unsigned int limit);
 
+    /// How many levels of elements a document may have before the parse ends with code -1; 0, as at first, for no limit.
+    /// With many levels Xerces takes time with the square of their number.
+    void setDepthLimit(unsigned int levels);
+
+    /// How many times its own size a document may make of itself, by entities that are used again and again, before the
+    /// parse ends with code -1: text and values of attributes, in UTF-16 units, against the bytes of the document.
+    /// @param factor 0, as at first, for no limit
+    /// @param from the units that every document may make, whatever its size
+    void setAmplificationLimit(unsigned int factor, unsigned long from = 8UL << 20);
+
     /// Whether nodes of usual content are linked by the library itself, which takes about half of the time; on at first.
     /// The trees are the same.
     void setDirectLinking(int flag);

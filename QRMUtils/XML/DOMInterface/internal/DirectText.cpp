@@ -6,21 +6,16 @@
 #include <iterator>
 #include <limits>
 
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
-
 #include "QRMCore/internal/UnitLength.h"
 #include "QRMUtils/XML/DOMInterface/DomWriter.h"
 #include "QRMUtils/XML/DOMInterface/internal/Guards.h"
+#include "QRMUtils/XML/DOMInterface/internal/Utf8.h"
 
 namespace qrm {
 
 namespace {
 
-constexpr std::size_t kBlock = 8;  // units
 constexpr std::size_t kShort = 48; // units
-constexpr char32_t kLastAscii = 0x7F;
 constexpr char32_t kLastLatin1 = 0xFF;
 
 struct Entity
@@ -62,64 +57,6 @@ bool isPlain(char32_t character)
     return character <= kLastAscii && kPlain.isPlain[character];
 }
 
-/// Copies ASCII characters that need no escape up to the first other unit, of those that make whole blocks.
-void copyPlainBlocks([[maybe_unused]] const char16_t*& in, [[maybe_unused]] const char16_t* end,
-                     [[maybe_unused]] char*& out)
-{
-#if defined(__SSE2__)
-    const auto has = [](const __m128i& bytes, char byte) {
-        return _mm_cmpeq_epi8(bytes, _mm_set1_epi8(byte));
-    };
-    while (static_cast<std::size_t>(end - in) >= kBlock) {
-        const __m128i units = _mm_loadu_si128(reinterpret_cast<const __m128i*>(in));
-        const __m128i bytes = _mm_packus_epi16(units, units);
-        const __m128i isAscii = _mm_cmpeq_epi16(
-            _mm_and_si128(units, _mm_set1_epi16(static_cast<short>(0xFF80))), _mm_setzero_si128());
-        const __m128i markup = _mm_or_si128(_mm_or_si128(_mm_or_si128(has(bytes, '<'), has(bytes, '>')),
-                                                         _mm_or_si128(has(bytes, '&'), has(bytes, '"'))),
-                                            has(bytes, '\''));
-        const auto plain = static_cast<unsigned int>(
-            _mm_movemask_epi8(_mm_andnot_si128(markup, _mm_packs_epi16(isAscii, isAscii))));
-        _mm_storel_epi64(reinterpret_cast<__m128i*>(out), bytes);
-        const unsigned int others = ~plain & 0xFF;
-        const std::size_t copied = others == 0 ? kBlock : static_cast<std::size_t>(__builtin_ctz(others));
-        in += copied;
-        out += copied;
-        if (others != 0) {
-            return;
-        }
-    }
-#endif
-}
-
-/// Reads a character; a lone surrogate comes as it is.
-char32_t readCharacter(const char16_t*& in, const char16_t* end)
-{
-    const char32_t unit = *in++;
-    if (unit >= 0xD800 && unit <= 0xDBFF && in != end && *in >= 0xDC00 && *in <= 0xDFFF) {
-        return 0x10000 + ((unit - 0xD800) << 10) + (static_cast<char32_t>(*in++) - 0xDC00);
-    }
-    return unit;
-}
-
-char* putUtf8(char* out, char32_t character)
-{
-    const auto put = [&out](char32_t byte) { *out++ = static_cast<char>(byte); };
-    if (character < 0x800) {
-        put(0xC0 | (character >> 6));
-    } else {
-        if (character < 0x10000) {
-            put(0xE0 | (character >> 12));
-        } else {
-            put(0xF0 | (character >> 18));
-            put(0x80 | ((character >> 12) & 0x3F));
-        }
-        put(0x80 | ((character >> 6) & 0x3F));
-    }
-    put(0x80 | (character & 0x3F));
-    return out;
-}
-
 int toInt(std::size_t length)
 {
     QRM_ASSERT(length <= static_cast<std::size_t>(std::numeric_limits<int>::max()));
@@ -152,7 +89,7 @@ bool DirectText::convert(const XMLCh* text, char32_t last, bool hasReferences)
         m_escapes.push_back({static_cast<std::size_t>(out - bytes), character});
     };
     for (;;) {
-        copyPlainBlocks(in, end, out);
+        copyAsciiBlocks<true>(in, end, out);
         if (in == end) {
             break;
         }
@@ -163,7 +100,7 @@ bool DirectText::convert(const XMLCh* text, char32_t last, bool hasReferences)
                 *out++ = static_cast<char>(character);
             } else if (character <= kLastAscii) {
                 escape(character);
-            } else if (character >= 0xD800 && character <= 0xDFFF) {
+            } else if (isSurrogate(character)) {
                 return false;
             } else if (character > last) {
                 if (!hasReferences) {
@@ -175,7 +112,7 @@ bool DirectText::convert(const XMLCh* text, char32_t last, bool hasReferences)
             } else {
                 out = putUtf8(out, character);
             }
-        } while (in != end && (*in > kLastAscii || static_cast<std::size_t>(end - in) < kBlock));
+        } while (in != end && (*in > kLastAscii || static_cast<std::size_t>(end - in) < kUnitBlock));
     }
     m_length = static_cast<std::size_t>(out - bytes);
     return true;
@@ -195,8 +132,7 @@ void DirectText::write(DomWriter& writer) const
 /// Memory for the bytes of that many units, with room for a whole block behind them. What was converted stays.
 char* DirectText::reserve(std::size_t units)
 {
-    constexpr std::size_t kMostBytes = 3; // of a unit; two units make four at most
-    const std::size_t bytes = kMostBytes * units + kBlock;
+    const std::size_t bytes = kMostUtf8Bytes * units + kUnitBlock;
     if (bytes > m_capacity) {
         const std::size_t capacity = std::max<std::size_t>({bytes, 2 * m_capacity, 1024});
         std::unique_ptr<char[]> larger(new char[capacity]);

@@ -1,0 +1,107 @@
+#ifndef XMLURL_H
+#define XMLURL_H
+
+#include <memory>
+
+#include <xercesc/util/BinInputStream.hpp>
+#include <xercesc/util/XMLURL.hpp>
+
+#include "QRMCore/I18NString.h"
+#include "QRMUtils/XML/DOMInterface/QRMIDOM_Api.h"
+#include "WQSStreams/WQSInputStream.h"
+
+/// The content of a URL, as XmlUrl::makeNewStream() opens it. Read it through read(buffer, count): what read() gives at
+/// the end is no different from a byte 0xFF.
+class QRMIDOM_API UrlInputStream : public WQSInputStream
+{
+public:
+    using WQSInputStream::read;
+
+    /// Takes the Xerces stream, which is deleted with this.
+    explicit UrlInputStream(xercesc::BinInputStream* stream);
+    ~UrlInputStream() override;
+
+    /// Reads up to `count` bytes into the buffer's storage, a zero byte behind them. The buffer's length stays what it
+    /// is.
+    /// @return the bytes read; 0 at the end
+    /// @throws xercesc::XMLException when reading fails; a transfer that was cut short is a failure, not an end
+    int read(QRMByteBuffer& buffer, int count) override;
+
+    /// Reads one byte; 255 at the end, too.
+    /// @throws xercesc::XMLException as above
+    int read() override;
+
+    /// Does nothing: the stream stays open until it is destroyed.
+    void close() override;
+
+private:
+    xercesc::BinInputStream* m_stream;
+};
+
+/// A URL (RFC 3986) as Xerces parses it: file, http, https and ftp URLs, and relative references. A value.
+///
+/// Text that is no URL throws xercesc::MalformedURLException, as does null text; setUrl() may then have emptied the URL.
+/// Parts are as they stand in the text, with what is escaped in it.
+class QRMIDOM_API XmlUrl
+{
+public:
+    /// The empty URL, which is relative.
+    XmlUrl();
+    XmlUrl(const I18NString& url);
+    /// In the local code page, UTF-8.
+    XmlUrl(const char* url);
+
+    // A reference and the base that it is resolved against. The base comes first; it has to be absolute, or empty as a
+    // string of 16-bit units, for none.
+
+    XmlUrl(const I18NString& base, const I18NString& relative);
+    XmlUrl(const char* base, const char* relative);
+    XmlUrl(const I18NString& base, const char* relative);
+
+    XmlUrl(const XmlUrl& other);
+    XmlUrl& operator=(const XmlUrl& other);
+    virtual ~XmlUrl();
+
+    // Another URL in place of this one, as the constructors make it.
+
+    void setUrl(const I18NString& url);
+    void setUrl(const char* url);
+    void setUrl(const I18NString& base, const I18NString& relative);
+    void setUrl(const char* base, const char* relative);
+    void setUrl(const I18NString& base, const char* relative);
+
+    /// XMLURL::Unknown for a relative URL.
+    xercesc::XMLURL::Protocols getProtocol() const;
+
+    /// The port that is named, or else the usual one of the protocol; 0 where there is none.
+    unsigned int getPortNum() const;
+
+    // Empty where the URL has no such thing.
+
+    I18NString getHost() const;
+    I18NString getUser() const;
+    I18NString getPassword() const;
+    I18NString getPath() const;
+    I18NString getQuery() const;
+    I18NString getFragment() const;
+
+    /// All of it.
+    I18NString getUrlText() const;
+
+    /// Whether it has to be resolved against a base before it leads anywhere.
+    bool isRelative() const;
+
+    /// Whether all parts are equal, in upper and lower case as well. A port that is named differs from none.
+    bool operator==(const XmlUrl& other) const;
+    bool operator!=(const XmlUrl& other) const;
+
+    /// Opens the content: a file, or what a server gives.
+    /// @return a stream, the caller's to delete; null where it cannot be opened, for whatever reason
+    /// @throws QRMOutOfMemoryError 0 when there is no memory for the stream
+    UrlInputStream* makeNewStream() const;
+
+private:
+    xercesc::XMLURL m_url;
+};
+
+#endif
