@@ -9,6 +9,7 @@
 
 #include "QRMUtils/XML/DOMInterface/QRMIDOM_Document.h"
 #include "QRMUtils/XML/DOMInterface/QRMIDOM_XercesHelper.h"
+#include "QRMUtils/XML/DOMInterface/internal/NetAccessor.h"
 #include "QRMUtils/XML/DOMInterface/internal/Sharing.h"
 #include "QRMUtils/XML/DOMInterface/internal/Strings.h"
 
@@ -52,6 +53,7 @@ void QRMIDOM_DOMImplementation::initialize()
 {
     XMLPlatformUtils::Initialize(kInitialHeapBlock, kMaxHeapBlock, kMaxPieceInBlock,
                                  xercesc::XMLUni::fgXercescDefaultLocale, nullptr, nullptr, nullptr);
+    qrm::installNetAccessor();
 }
 
 void QRMIDOM_DOMImplementation::terminate()

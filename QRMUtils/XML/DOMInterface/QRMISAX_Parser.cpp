@@ -195,7 +195,8 @@ std::unique_ptr<char[]> transcoded(const XMLCh* text)
 {
     const std::unique_ptr<char, ReleaseString> local(XMLString::transcode(text));
     const std::size_t size = std::strlen(local.get()) + 1;
-    std::unique_ptr<char[]> copy(new char[size]);
+    std::unique_ptr<char[]> copy(
+        qrm::allocated(QRM_SITE_HERE, [size] { return new (std::nothrow) char[size]; }));
     std::memcpy(copy.get(), local.get(), size);
     return copy;
 }
@@ -645,7 +646,7 @@ int QRMISAX_Parser::recordFailure(int code, int line, const XMLCh* text)
 {
     m_errorCode = code;
     m_lineNumber = line;
-    setErrorText(transcoded(text));
+    setErrorText(qrm::translated(QRM_SITE_HERE, [text] { return transcoded(text); }));
     return 0;
 }
 

@@ -9,6 +9,7 @@
 
 #include "QRMUtils/XML/DOMInterface/QRMIDOM_XercesHelper.h"
 #include "QRMUtils/XML/DOMInterface/internal/Guards.h"
+#include "QRMUtils/XML/DOMInterface/internal/NetAccessor.h"
 
 using xercesc::BinInputStream;
 using xercesc::XMLURL;
@@ -206,4 +207,14 @@ UrlInputStream* XmlUrl::makeNewStream() const
     } catch (const xercesc::XMLException&) {
         return nullptr;
     }
+}
+
+void XmlUrl::setConnectTimeout(int milliseconds)
+{
+    qrm::setConnectTimeout(milliseconds);
+}
+
+void XmlUrl::setStallTimeout(int milliseconds)
+{
+    qrm::setStallTimeout(milliseconds);
 }

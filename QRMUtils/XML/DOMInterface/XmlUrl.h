@@ -100,6 +100,15 @@ public:
     /// @throws QRMOutOfMemoryError 0 when there is no memory for the stream
     UrlInputStream* makeNewStream() const;
 
+    // Limits for everything that is read over the network, by parsers too, in milliseconds; 0 is no limit. They hold for
+    // transfers that begin later, in all threads. A transfer that goes beyond one fails.
+
+    /// How long it may take to reach the server; 30,000 at first.
+    static void setConnectTimeout(int milliseconds);
+
+    /// How long the server may send nothing, while somebody waits for it; 60,000 at first.
+    static void setStallTimeout(int milliseconds);
+
 private:
     xercesc::XMLURL m_url;
 };
