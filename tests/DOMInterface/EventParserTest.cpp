@@ -1,3 +1,4 @@
+#include <cstring>
 #include <fstream>
 #include <memory>
 #include <sstream>
@@ -376,6 +377,67 @@ TEST_F(EventParser, RecordsWhatASourceThrowsAsAnErrorOfTheDocument)
     } throwing;
     EXPECT_THROW(parser.parse(throwing), int);
     EXPECT_EQ(parser.parseText("<a/>"), 1);
+}
+
+/// Gives the number of the callback that was called last.
+class Numbering : public QRMISAX_Parser
+{
+public:
+    using QRMISAX_Parser::parse;
+    int last = 0;
+    void startElement(const char*, const char**) override { last = 2; }
+    void endElement(const char*) override { last = 3; }
+    void notationDecl(const char*, const char*, const char*, const char*) override { last = 4; }
+    void processingInstruction(const char*, const char*) override { last = 5; }
+    void comment(const char*) override { last = 6; }
+    void startCDataSection() override { last = 7; }
+    void endCDataSection() override { last = 8; }
+    void characterData(const char*, int) override { last = 9; }
+    void startNamespaceDecl(const char*, const char*) override { last = 10; }
+    void endNamespaceDecl(const char*) override { last = 11; }
+    void defaultHandler(const char*, int) override { last = 12; }
+    void unparseEntityDecl(const char*, const char*, const char*, const char*, const char*) override
+    {
+        last = 13;
+    }
+    int notStandalone() override { return last = 14; }
+    int externalEntityRef(const char*, const char*, const char*, const char*) override { return last = 15; }
+    int parse(xercesc::InputSource&) override { return last = 16; }
+};
+
+TEST(EventParserLayout, HasItsVirtualOperationsInOrder)
+{
+    // Every slot behind the two of the destructor takes the object and pointers, so that one type of call fits all.
+    using Slot = int (*)(void*, const void*, const void*, const void*, const void*, const void*);
+    Numbering parser;
+    Slot* slots = nullptr;
+    std::memcpy(&slots, static_cast<void*>(&parser), sizeof slots);
+    for (int number = 2; number <= 16; ++number) {
+        slots[number](&parser, nullptr, nullptr, nullptr, nullptr, nullptr);
+        EXPECT_EQ(parser.last, number);
+    }
+}
+
+TEST(EventParserLayout, HasItsFieldsInOrder)
+{
+    RecordingParser parser;
+    EXPECT_EQ(parser.parseText("<a>\n<b></a>"), 0);
+    const auto* const bytes = reinterpret_cast<const char*>(static_cast<const QRMISAX_Parser*>(&parser));
+    const std::size_t handler = 2 * sizeof(void*);
+    const std::size_t record = handler + sizeof(DefaultHandlerImpl);
+    int numbers[3] = {};
+    std::memcpy(numbers, bytes + record, sizeof numbers);
+    EXPECT_EQ(numbers[0], parser.getErrorCode());
+    EXPECT_EQ(numbers[1], parser.getCurrentLineNumber());
+    EXPECT_EQ(numbers[2], parser.getCurrentColumnNumber());
+    EXPECT_EQ(numbers[1], 2);
+    const char* text = nullptr;
+    const std::size_t textAt = (record + sizeof numbers + sizeof text - 1) / sizeof text * sizeof text;
+    std::memcpy(&text, bytes + textAt, sizeof text);
+    EXPECT_EQ(text, parser.errorString());
+    const void* owner = nullptr;
+    std::memcpy(&owner, bytes + record - sizeof owner, sizeof owner);
+    EXPECT_EQ(owner, &parser) << "the handler's owner";
 }
 
 class HostileEvents : public EventParser

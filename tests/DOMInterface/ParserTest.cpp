@@ -489,6 +489,52 @@ private:
     std::function<void()> m_act;
 };
 
+TEST_F(Parser, StopsAtTheLimitOfAmplification)
+{
+    std::string quadratic = "<!DOCTYPE a [<!ENTITY e '" + std::string(10000, 'x') + "'>]><a>";
+    for (int i = 0; i < 1000; ++i) {
+        quadratic += i % 2 == 0 ? "&e;" : "<b n='&e;'/>";
+    }
+    quadratic += "</a>";
+    EXPECT_EQ(parse(quadratic), 1) << "no limit at first";
+    parser.setAmplificationLimit(100, 100000);
+    EXPECT_EQ(parse(quadratic), 0);
+    EXPECT_EQ(parser.getErrorCode(), -1);
+    EXPECT_EQ(parser.errorString(), "the document expands to more than 100 times its size");
+    EXPECT_EQ(parser.getCurrentLineNumber(), 1);
+    EXPECT_GT(parser.getCurrentColumnNumber(), 10000);
+    EXPECT_EQ(parse("<a>" + std::string(1000000, 'x') + "</a>"), 1) << "what it has is no expansion";
+    parser.setAmplificationLimit(0);
+    EXPECT_EQ(parse(quadratic), 1);
+}
+
+TEST_F(Parser, StopsAtTheLimitOfDepth)
+{
+    parser.setDepthLimit(3);
+    for (const int linking : {1, 0}) {
+        parser.setDirectLinking(linking);
+        EXPECT_EQ(parse("<a><b><c/></b><b><c></c></b></a>"), 1);
+        EXPECT_EQ(parse("<a>\n<b><c><d/></c></b></a>"), 0);
+        expectRecord(-1, 2, 11, "the document has more than 3 levels of elements");
+    }
+    parser.setDepthLimit(0);
+    EXPECT_EQ(parse("<a><b><c><d/></c></b></a>"), 1);
+}
+
+TEST_F(Parser, RefusesToParseWithinAParseThatHasLimits)
+{
+    parser.setDepthLimit(2);
+    parser.setAmplificationLimit(10);
+    int innerResult = -1;
+    ActingSource source([&] {
+        QRMIDOM_Document inner;
+        innerResult = parser.parse("<inner/>", 8, inner);
+    });
+    EXPECT_EQ(parser.parse(source, document), 1) << parser.errorString();
+    EXPECT_EQ(innerResult, 0);
+    EXPECT_EQ(root(), "<outer/>");
+}
+
 TEST_F(Parser, RefusesToParseWithinAParse)
 {
     QRMIDOM_Document inner = documentOf("<former/>");
