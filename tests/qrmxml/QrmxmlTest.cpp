@@ -12,6 +12,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "tests/support/LoopbackServer.h"
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -574,6 +576,129 @@ TEST_F(Qrmxml, StopsEntitiesThatMultiply)
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.err, "laughs.xml:1:535: error: parser has encountered more than '50000' entity "
                           "expansions in the document; this is the limit imposed by the application\n");
+}
+
+TEST_F(Qrmxml, PrintsEvents)
+{
+    file("a.xml", "<!--c\t--><?p d?><a xmlns:p='u' p:n='1' m='&quot;'>x&#10;<p:b/>\u00e9</a>");
+    const Result plain = run("events a.xml");
+    EXPECT_EQ(plain.status, 0);
+    EXPECT_EQ(plain.err, "");
+    EXPECT_EQ(plain.out, "comment \"c\\t\"\ninstruction p \"d\"\nnamespace \"p\" \"u\"\n"
+                         "start a {u}n=\"1\" m=\"\\\"\"\ntext \"x\"\ntext \"\\n\"\nstart {u}b\nend {u}b\n"
+                         "text \"\u00e9\"\nend a\nend-namespace \"p\"\n");
+    EXPECT_EQ(
+        run("events --json a.xml").out,
+        "{\"event\":\"comment\",\"data\":\"c\\t\"}\n"
+        "{\"event\":\"instruction\",\"target\":\"p\",\"data\":\"d\"}\n"
+        "{\"event\":\"namespace\",\"prefix\":\"p\",\"uri\":\"u\"}\n"
+        "{\"event\":\"start\",\"name\":\"a\",\"attributes\":{\"{u}n\":\"1\",\"m\":\"\\\"\"}}\n"
+        "{\"event\":\"text\",\"data\":\"x\"}\n{\"event\":\"text\",\"data\":\"\\n\"}\n"
+        "{\"event\":\"start\",\"name\":\"{u}b\",\"attributes\":{}}\n{\"event\":\"end\",\"name\":\"{u}b\"}\n"
+        "{\"event\":\"text\",\"data\":\"\u00e9\"}\n{\"event\":\"end\",\"name\":\"a\"}\n"
+        "{\"event\":\"end-namespace\",\"prefix\":\"p\"}\n");
+}
+
+TEST_F(Qrmxml, PrintsEventsUpToAnError)
+{
+    file("a.xml", "<a><b/>\n<c></a>");
+    const Result result = run("events a.xml");
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.out, "start a\nstart b\nend b\ntext \"\\n\"\nstart c\n");
+    EXPECT_EQ(result.err, "a.xml:2:6: error: expected end of tag 'c'\n");
+    EXPECT_EQ(run("events none.xml").status, 2);
+    EXPECT_EQ(run("events .").status, 2);
+    EXPECT_EQ(run("events -", "printf '' |").status, 1);
+}
+
+TEST_F(Qrmxml, EndsQuietlyWhenNobodyReadsOnEvents)
+{
+    largeFile("large.xml");
+    const Result result = run("events large.xml | head -n 2");
+    EXPECT_EQ(result.out, "start a\nstart b\n");
+    EXPECT_EQ(result.err, "");
+}
+
+TEST_F(Qrmxml, ShowsThePartsOfAUrl)
+{
+    EXPECT_EQ(
+        run("url 'http://u:p@h.example:8080/a/b.xml?q=1#f'").out,
+        "url http://u:p@h.example:8080/a/b.xml?q=1#f\nprotocol http\nuser u\npassword p\nhost h.example\n"
+        "port 8080\npath /a/b.xml\nquery q=1\nfragment f\n");
+    EXPECT_EQ(run("url --base http://h/a/b ../c.xml").out,
+              "url http://h/c.xml\nprotocol http\nhost h\nport 80\npath /c.xml\n");
+    EXPECT_EQ(run("url a/b").out, "url a/b\nrelative yes\npath a/b\n");
+    const Result wrong = run("url foo:bar");
+    EXPECT_EQ(wrong.status, 2);
+    EXPECT_EQ(wrong.err, "foo:bar: error: URL protocol 'foo' is unsupported\n");
+    EXPECT_EQ(run("url ''").status, 2);
+    EXPECT_EQ(run("url --base relative x").status, 2);
+    EXPECT_EQ(run("url --fetch relative").err,
+              "relative: error: is relative and has to be resolved against a --base\n");
+}
+
+TEST_F(Qrmxml, ReadsUrls)
+{
+    const LoopbackServer server([](const Connection& connection) {
+        if (connection.path() == "/a.xml") {
+            connection.answer("<a>\u00e9</a>");
+        } else if (connection.path() == "/cut") {
+            connection.send("HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\n<a>");
+        } else if (connection.path() == "/bad.xml") {
+            connection.answer("<a>");
+        } else {
+            connection.answer("<page/>", "404 Not Found");
+        }
+    });
+    const std::string url = server.url("/a.xml");
+    EXPECT_EQ(run("write " + url).out, kHeader + std::string("<a>\u00e9</a>\n"));
+    EXPECT_EQ(run("check " + url).status, 0);
+    EXPECT_EQ(run("events " + url).out, "start a\ntext \"\u00e9\"\nend a\n");
+    EXPECT_EQ(run("url --fetch " + url).out, "<a>\u00e9</a>");
+    EXPECT_EQ(run("url --fetch --base " + url + " a.xml").out, "<a>\u00e9</a>");
+
+    const Result bad = run("check " + server.url("/bad.xml"));
+    EXPECT_EQ(bad.status, 1);
+    EXPECT_EQ(bad.err.find(server.url("/bad.xml") + ":1:4: error: input ended before"), 0u) << bad.err;
+    const Result missing = run("events " + server.url("/none"));
+    EXPECT_EQ(missing.status, 2);
+    EXPECT_NE(missing.err.find("HTTP status 404"), std::string::npos) << missing.err;
+    for (const char* const command : {"check ", "events ", "url --fetch "}) {
+        const Result cut = run(command + server.url("/cut"));
+        EXPECT_EQ(cut.status, 2) << command;
+        EXPECT_NE(cut.err.find("cannot read: unable to read from socket"), std::string::npos) << cut.err;
+    }
+    const std::string refused = "http://127.0.0.1:" + std::to_string(LoopbackServer::closedPort()) + "/";
+    EXPECT_EQ(run("check " + refused).status, 2);
+    EXPECT_EQ(run("check file:///no/such/file").err,
+              "file:///no/such/file: error: No such file or directory\n");
+    file("local.xml", "<l/>");
+    EXPECT_EQ(run("write file://" + (folder / "local.xml").string()).out, kHeader + std::string("<l/>\n"));
+}
+
+TEST_F(Qrmxml, StopsDocumentsThatGoTooFar)
+{
+    std::string deep;
+    for (int i = 0; i < 10001; ++i) {
+        deep += "<a>";
+    }
+    file("deep.xml", deep);
+    std::string quadratic = "<!DOCTYPE a [<!ENTITY e '" + std::string(100000, 'x') + "'>]><a>";
+    for (int i = 0; i < 20000; ++i) {
+        quadratic += "&e;";
+    }
+    file("quadratic.xml", quadratic + "</a>");
+    for (const char* const command : {"check", "events"}) {
+        const Result tooDeep = run(std::string(command) + " deep.xml >/dev/null");
+        EXPECT_EQ(tooDeep.status, 1);
+        EXPECT_EQ(tooDeep.err,
+                  "deep.xml:1:30004: error: the document has more than 10000 levels of elements\n");
+        const Result tooMuch = run(std::string(command) + " quadratic.xml >/dev/null");
+        EXPECT_EQ(tooMuch.status, 1);
+        EXPECT_NE(tooMuch.err.find("error: the document expands to more than 100 times its size\n"),
+                  std::string::npos)
+            << tooMuch.err;
+    }
 }
 
 constexpr const char* kShelf = "<shelf xmlns:dc='urn:dc'>\n<book id='1'><dc:title>One</dc:title></book>"

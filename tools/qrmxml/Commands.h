@@ -100,9 +100,26 @@ struct NamespacesOptions
     std::optional<std::string> prefixOf;
 };
 
+struct EventsOptions
+{
+    ReadOptions read;
+    std::string file; // or a URL
+    bool json = false;
+};
+
+struct UrlOptions
+{
+    ReadOptions read;
+    std::string url;
+    std::string base; // empty: none
+    bool fetch = false;
+};
+
+int runEvents(const EventsOptions& options);
 int runFind(const FindOptions& options);
 int runNamespaces(const NamespacesOptions& options);
 int runSet(const SetOptions& options);
+int runUrl(const UrlOptions& options);
 int runWrite(const WriteOptions& options);
 int runCheck(const CheckOptions& options);
 int runTree(const TreeOptions& options);

@@ -1,6 +1,5 @@
-#include <nlohmann/json.hpp>
-
 #include <QRMUtils/XML/DOMInterface/QRMISAX_Parser.h>
+#include <nlohmann/json.hpp>
 
 #include "tools/qrmxml/Document.h"
 #include "tools/qrmxml/Output.h"
@@ -104,9 +103,8 @@ private:
 int runEvents(const EventsOptions& options)
 {
     Output output("-");
-    const std::unique_ptr<Printer> printer = options.json
-                                                 ? std::make_unique<Printer>(output.stream())
-                                                 : std::make_unique<PlainPrinter>(output.stream());
+    const std::unique_ptr<Printer> printer = options.json ? std::make_unique<Printer>(output.stream())
+                                                          : std::make_unique<PlainPrinter>(output.stream());
     prepare(*printer, options.read);
     int status = kDone;
     try {

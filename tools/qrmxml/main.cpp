@@ -68,7 +68,9 @@ void addReadOptions(CLI::App& command, ReadOptions& options)
 
 void addFile(CLI::App& command, std::string& file)
 {
-    command.add_option("FILE", file, "The document; - is standard input")->required()->type_name("");
+    command.add_option("FILE", file, "The document, or its URL; - is standard input")
+        ->required()
+        ->type_name("");
 }
 
 /// Options of the commands that write a document.
@@ -149,7 +151,7 @@ int execute(int argc, char** argv)
         ->add_option("--no-namespace-schema", check.noNamespaceSchema,
                      "Validate against this, for elements without a namespace")
         ->type_name("SCHEMA");
-    checkCommand->add_option("FILE", check.files, "The documents; - is standard input")
+    checkCommand->add_option("FILE", check.files, "The documents, or their URLs; - is standard input")
         ->required()
         ->type_name("");
     checkCommand->footer("Examples:\n"
@@ -157,6 +159,30 @@ int execute(int argc, char** argv)
                          "  qrmxml check --dtd --allow-external book.xml\n"
                          "  qrmxml check --schema-location 'urn:orders orders.xsd' order.xml");
     checkCommand->callback([&] { command = [&] { return runCheck(check); }; });
+
+    EventsOptions events;
+    CLI::App* const eventsCommand =
+        app.add_subcommand("events", "Print the events of a document, a line each, as they come");
+    addReadOptions(*eventsCommand, events.read);
+    eventsCommand->add_flag("--json", events.json, "Print each event as a JSON object");
+    addFile(*eventsCommand, events.file);
+    eventsCommand->footer(
+        "Names are {namespace}local-name. A document may be larger than memory.\n"
+        "Examples:\n"
+        "  qrmxml events in.xml\n"
+        "  qrmxml events --json http://host.example/feed.xml | jq -r 'select(.event == \"text\").data'");
+    eventsCommand->callback([&] { command = [&] { return runEvents(events); }; });
+
+    UrlOptions url;
+    CLI::App* const urlCommand = app.add_subcommand("url", "Show what a URL consists of, or what it gives");
+    urlCommand->add_flag("--no-progress", url.read.noProgress, "Show no progress bar");
+    urlCommand->add_option("--base", url.base, "Resolve the URL against this one")->type_name("URL");
+    urlCommand->add_flag("--fetch", url.fetch, "Print the content");
+    urlCommand->add_option("URL", url.url, "A file, http, https or ftp URL")->required()->type_name("");
+    urlCommand->footer("Examples:\n"
+                       "  qrmxml url --base http://host.example/a/b ../c.xml\n"
+                       "  qrmxml url --fetch http://host.example/feed.xml > feed.xml");
+    urlCommand->callback([&] { command = [&] { return runUrl(url); }; });
 
     FindOptions find;
     CLI::App* const findCommand = app.add_subcommand(

@@ -12,8 +12,9 @@ namespace {
 XmlUrl parsed(const UrlOptions& options)
 {
     try {
-        return options.base.empty() ? XmlUrl(I18NString(options.url.c_str()))
-                                    : XmlUrl(I18NString(options.base.c_str()), I18NString(options.url.c_str()));
+        return options.base.empty()
+                   ? XmlUrl(I18NString(options.url.c_str()))
+                   : XmlUrl(I18NString(options.base.c_str()), I18NString(options.url.c_str()));
     } catch (const xercesc::XMLException& error) {
         throw Trouble(options.url, I18NString(error.getMessage()).toUtf8());
     }
@@ -62,6 +63,9 @@ int runUrl(const UrlOptions& options)
     const XmlUrl url = parsed(options);
     Output output("-");
     if (options.fetch) {
+        if (url.isRelative()) {
+            throw Trouble(options.url, "is relative and has to be resolved against a --base");
+        }
         fetch(url.getUrlText().toUtf8(), options.read, output.stream());
     } else {
         show(url, output.stream());
