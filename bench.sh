@@ -4,8 +4,10 @@
 set -eu
 . "$(dirname "$0")/cmake/setup.sh"
 
-repetitions=7
-[ "${1:-}" != --quick ] || repetitions=3
+repetitions=7 large=4096
+if [ "${1:-}" = --quick ]; then
+    repetitions=3 large=400
+fi
 
 install_missing build bench
 build bench
@@ -13,3 +15,5 @@ bin=$root/build/bench/bench
 "$bin/qrm_bench" --benchmark_repetitions="$repetitions" --benchmark_enable_random_interleaving=true \
     --benchmark_min_time=0.05 --benchmark_out="$root/build/bench.json" --benchmark_out_format=json >"$root/build/bench.log"
 python3 "$root/bench/summary.py" "$root/build/bench.json" "$("$bin/peak_memory" raw)" "$("$bin/peak_memory" handles)"
+printf 'peak memory of an event parse: %s KiB for 40 MiB, %s KiB for %s MiB\n' \
+    "$("$bin/peak_memory" events 40)" "$("$bin/peak_memory" events $large)" "$large"

@@ -46,4 +46,7 @@ show "Make sure that something is in it, made where it is missing" \
 show "And it is there" qrmxml find --tag notice --as path build/changed.xml
 show "The prefixes that it declares" qrmxml namespaces build/changed.xml
 show "Make a message in namespaces, and write it with the declarations that it needs" namespaces
+show "Read the document event by event" events examples/library.xml
+show "The events themselves" sh -c 'qrmxml events examples/library.xml | head -n 8'
+show "URLs" urls
 show "The document in ASCII, with references for what ASCII does not have" qrmxml write --encoding US-ASCII build/changed.xml
