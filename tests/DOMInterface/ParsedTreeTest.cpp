@@ -1,240 +1,18 @@
 // The parser links nodes itself. Whatever a tree tells its callers, and what it keeps to itself, is as Xerces' own parser
 // makes it.
 
+#include <algorithm>
 #include <fstream>
-#include <map>
-#include <unordered_map>
-
-#include <xercesc/dom/DOM.hpp>
-#include <xercesc/dom/impl/DOMCasts.hpp>
-#include <xercesc/framework/MemBufInputSource.hpp>
-#include <xercesc/parsers/XercesDOMParser.hpp>
-#include <xercesc/sax/HandlerBase.hpp>
-#include <xercesc/sax/SAXParseException.hpp>
 
 #include "tests/support/RealDocuments.h"
 #include "tests/support/TemporaryFile.h"
 #include "tests/support/TestDocument.h"
+#include "tests/support/TreeComparison.h"
 
 namespace {
 
-using namespace xercesc;
-
-std::u16string textOf(const XMLCh* text)
-{
-    return text == nullptr ? std::u16string(u"(null)") : u"'" + std::u16string(text);
-}
-
-std::string printable(const std::u16string& text)
-{
-    return I18NString(text.c_str()).toUtf8();
-}
-
-/// Finds the first place where two trees differ.
-class Comparison
-{
-public:
-    /// What differs; empty where nothing does.
-    std::string difference;
-
-    void compareDocuments(const DOMDocument* a, const DOMDocument* b)
-    {
-        expect(a->getXmlVersion(), b->getXmlVersion(), "XML version");
-        expect(a->getXmlEncoding(), b->getXmlEncoding(), "declared encoding");
-        expect(a->getInputEncoding(), b->getInputEncoding(), "input encoding");
-        expect(a->getDocumentURI(), b->getDocumentURI(), "document URI");
-        expect(a->getXmlStandalone() == b->getXmlStandalone(), "standalone");
-        expect(a->getStrictErrorChecking() == b->getStrictErrorChecking(), "error checking");
-        compare(a, b);
-        for (const auto& [attribute, other] : m_ids) {
-            const DOMElement* const found = a->getElementById(attribute->getValue());
-            expect(counterpart(found) == b->getElementById(other->getValue()), "element of an id");
-        }
-    }
-
-private:
-    void fail(const std::string& what)
-    {
-        if (difference.empty()) {
-            difference = m_place + ": " + what;
-        }
-    }
-
-    void expect(bool isEqual, const char* what)
-    {
-        if (!isEqual) {
-            fail(what);
-        }
-    }
-
-    void expect(const XMLCh* a, const XMLCh* b, const char* what)
-    {
-        if (textOf(a) != textOf(b)) {
-            fail(what + (": " + printable(textOf(a))) + " and " + printable(textOf(b)));
-        }
-    }
-
-    /// Strings that are one in one tree are one in the other.
-    void expectPooled(const XMLCh* a, const XMLCh* b, const char* what)
-    {
-        expect(a, b, what);
-        expect(m_pooled.emplace(a, b).first->second == b, "the same string in several places");
-    }
-
-    const DOMNode* counterpart(const DOMNode* a) const
-    {
-        const auto found = m_counterparts.find(a);
-        return found == m_counterparts.end() ? nullptr : found->second;
-    }
-
-    void expectCounterpart(const DOMNode* a, const DOMNode* b, const char* what)
-    {
-        expect(a == nullptr ? b == nullptr : counterpart(a) == b, what);
-    }
-
-    void compareTypes(const DOMTypeInfo* a, const DOMTypeInfo* b)
-    {
-        expect((a == nullptr) == (b == nullptr), "type information");
-        if (a != nullptr && b != nullptr) {
-            expect(a->getTypeName(), b->getTypeName(), "type name");
-            expect(a->getTypeNamespace(), b->getTypeNamespace(), "type namespace");
-        }
-    }
-
-    void compare(const DOMNode* a, const DOMNode* b)
-    {
-        m_counterparts[a] = b;
-        const std::string before = m_place;
-        m_place += "/" + printable(textOf(a->getNodeName()).substr(1));
-        expect(a->getNodeType() == b->getNodeType(), "type");
-        expectPooled(a->getNodeName(), b->getNodeName(), "name");
-        expectPooled(a->getNamespaceURI(), b->getNamespaceURI(), "namespace");
-        expectPooled(a->getPrefix(), b->getPrefix(), "prefix");
-        expectPooled(a->getLocalName(), b->getLocalName(), "local name");
-        expect(a->getNodeValue(), b->getNodeValue(), "value");
-        expect(castToNodeImpl(a)->flags == castToNodeImpl(b)->flags, "flags");
-        expect(a->getOwnerDocument() == nullptr ? b->getOwnerDocument() == nullptr
-                                                : counterpart(a->getOwnerDocument()) == b->getOwnerDocument(),
-               "owner document");
-        if (difference.empty()) {
-            compareKinds(a, b);
-            compareChildren(a, b);
-        }
-        m_place = before;
-    }
-
-    void compareKinds(const DOMNode* a, const DOMNode* b)
-    {
-        switch (a->getNodeType()) {
-        case DOMNode::ELEMENT_NODE:
-            compareTypes(static_cast<const DOMElement*>(a)->getSchemaTypeInfo(),
-                         static_cast<const DOMElement*>(b)->getSchemaTypeInfo());
-            compareMaps(a->getAttributes(), b->getAttributes());
-            break;
-        case DOMNode::ATTRIBUTE_NODE: {
-            const auto* const attribute = static_cast<const DOMAttr*>(a);
-            const auto* const other = static_cast<const DOMAttr*>(b);
-            compareTypes(attribute->getSchemaTypeInfo(), other->getSchemaTypeInfo());
-            expect(attribute->getSpecified() == other->getSpecified(), "specified");
-            expectCounterpart(attribute->getOwnerElement(), other->getOwnerElement(), "owner element");
-            if (attribute->isId()) {
-                m_ids.emplace_back(attribute, other);
-            }
-            break;
-        }
-        case DOMNode::TEXT_NODE:
-            expect(static_cast<const DOMText*>(a)->isIgnorableWhitespace()
-                       == static_cast<const DOMText*>(b)->isIgnorableWhitespace(),
-                   "ignorable white space");
-            break;
-        case DOMNode::DOCUMENT_TYPE_NODE:
-            compareMaps(static_cast<const DOMDocumentType*>(a)->getEntities(),
-                        static_cast<const DOMDocumentType*>(b)->getEntities());
-            break;
-        default: break;
-        }
-    }
-
-    void compareMaps(const DOMNamedNodeMap* a, const DOMNamedNodeMap* b)
-    {
-        expect(a->getLength() == b->getLength(), "length of a map");
-        for (XMLSize_t i = 0; i < a->getLength() && difference.empty(); ++i) {
-            compare(a->item(i), b->item(i));
-        }
-    }
-
-    void compareChildren(const DOMNode* a, const DOMNode* b)
-    {
-        const DOMNode* child = a->getFirstChild();
-        const DOMNode* other = b->getFirstChild();
-        while (child != nullptr && other != nullptr && difference.empty()) {
-            compare(child, other);
-            expectCounterpart(child->getParentNode(), other->getParentNode(), "parent");
-            expectCounterpart(child->getPreviousSibling(), other->getPreviousSibling(), "previous sibling");
-            child = child->getNextSibling();
-            other = other->getNextSibling();
-        }
-        expect((child == nullptr) == (other == nullptr), "number of children");
-        if (difference.empty()) {
-            expectCounterpart(a->getLastChild(), b->getLastChild(), "last child");
-        }
-    }
-
-    std::string m_place;
-    std::unordered_map<const DOMNode*, const DOMNode*> m_counterparts;
-    std::map<const XMLCh*, const XMLCh*> m_pooled;
-    std::vector<std::pair<const DOMAttr*, const DOMAttr*>> m_ids;
-};
-
-class ThrowingHandler : public HandlerBase
-{
-public:
-    void error(const SAXParseException& exception) override { throw SAXParseException(exception); }
-    void fatalError(const SAXParseException& exception) override { throw SAXParseException(exception); }
-};
-
-struct Settings
-{
-    bool validates = false;
-    bool loadsExternal = true;
-    std::string schema; // a file; empty for none
-};
-
-std::string differenceOf(const std::string& text, const Settings& settings)
-{
-    ThrowingHandler handler;
-    XercesDOMParser raw;
-    raw.setErrorHandler(&handler);
-    raw.setDoNamespaces(true);
-    raw.setIncludeIgnorableWhitespace(true);
-    raw.setLoadExternalDTD(settings.loadsExternal);
-    raw.setValidationScheme(settings.validates ? XercesDOMParser::Val_Always : XercesDOMParser::Val_Never);
-    QRMIDOM_Parser parser;
-    parser.setLoadExternalDTD(settings.loadsExternal ? 1 : 0);
-    parser.setDoValidation(settings.validates ? 1 : 0);
-    if (!settings.schema.empty()) {
-        raw.setDoSchema(true);
-        raw.setExternalNoNamespaceSchemaLocation(settings.schema.c_str());
-        parser.setDoSchema(1);
-        parser.setExternalNoNamespaceSchemaLocation(settings.schema.c_str());
-    }
-    bool parsed = true;
-    try {
-        raw.parse(MemBufInputSource(reinterpret_cast<const XMLByte*>(text.data()), text.size(), ""));
-    } catch (const SAXParseException&) {
-        parsed = false;
-    }
-    QRMIDOM_Document document;
-    if ((parser.parse(text.data(), static_cast<int>(text.size()), document) == 1) != parsed) {
-        return "only one parser takes it";
-    }
-    if (document.isNull() || raw.getDocument() == nullptr) {
-        return document.isNull() == (raw.getDocument() == nullptr) ? "" : "only one parser gives a document";
-    }
-    Comparison comparison;
-    comparison.compareDocuments(raw.getDocument(), document);
-    return comparison.difference;
-}
+using tree_comparison::differenceOf;
+using tree_comparison::Settings;
 
 const std::string kEverything =
     "<?xml version='1.0' encoding='UTF-8' standalone='yes'?><!--before--><?p before?>"
@@ -326,9 +104,7 @@ TEST(ParsedTree, CanBeLeftToXerces)
     EXPECT_EQ(parser.parse(text.data(), static_cast<int>(text.size()), document), 1);
     EXPECT_EQ(written(document.getDocumentElement()), "<r><a n=\"1\">x</a>y<b/></r>");
     const QRMIDOM_Document linked = documentOf(text);
-    Comparison comparison;
-    comparison.compareDocuments(document, linked);
-    EXPECT_EQ(comparison.difference, "");
+    EXPECT_EQ(tree_comparison::differenceOf(document, linked), "");
 }
 
 TEST(ParsedTree, CanBeChangedAsAnyOther)

@@ -4,6 +4,7 @@
 #include "QRMUtils/XML/DOMInterface/QRMIDOM_NamedNodeMap.h"
 #include "QRMUtils/XML/DOMInterface/QRMIDOM_NodeList.h"
 #include "QRMUtils/XML/DOMInterface/QRMIDOM_XercesHelper.h"
+#include "QRMUtils/XML/DOMInterface/internal/Links.h"
 #include "QRMUtils/XML/DOMInterface/internal/Sharing.h"
 
 using Bridge = QRMIDOM_XercesHelper;
@@ -90,12 +91,12 @@ void QRMIDOM_Node::getNodeName(I18NString& name) const
 
 I18NString QRMIDOM_Node::getNodeValue() const
 {
-    return Bridge::DOMStringToI18NString(live(m_nodeImpl, QRM_SITE_HERE)->getNodeValue());
+    return Bridge::DOMStringToI18NString(qrm::nodeValueOf(live(m_nodeImpl, QRM_SITE_HERE)));
 }
 
 void QRMIDOM_Node::getNodeValue(I18NString& value) const
 {
-    Bridge::DOMStringToI18NString(live(m_nodeImpl, QRM_SITE_HERE)->getNodeValue(), value);
+    Bridge::DOMStringToI18NString(qrm::nodeValueOf(live(m_nodeImpl, QRM_SITE_HERE)), value);
 }
 
 void QRMIDOM_Node::setNodeValue(const I18NString& value)
@@ -110,7 +111,7 @@ unsigned short QRMIDOM_Node::getNodeType() const
 
 QRMIDOM_Node QRMIDOM_Node::getParentNode() const
 {
-    return sharing<QRMIDOM_Node>(m_refCountedNodeImpl, live(m_nodeImpl, QRM_SITE_HERE)->getParentNode());
+    return sharing<QRMIDOM_Node>(m_refCountedNodeImpl, qrm::parentOf(live(m_nodeImpl, QRM_SITE_HERE)));
 }
 
 QRMIDOM_Node QRMIDOM_Node::getFirstChild() const

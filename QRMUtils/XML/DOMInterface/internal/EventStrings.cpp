@@ -12,6 +12,7 @@ namespace qrm {
 
 namespace {
 
+constexpr std::size_t kShort = 48; // units
 constexpr char kSeparator = '\1';
 
 // Log readers know where memory runs out while an event is put together.
@@ -22,6 +23,17 @@ constexpr QRMFileLocation kNameAlone = {kFile, 108};
 std::size_t lengthOf(const XMLCh* text)
 {
     return text != nullptr ? unitLength(text) : 0;
+}
+
+/// Copies ASCII characters up to the end, the first other one, or so many that the text is not short.
+/// @return how many were copied
+std::size_t copyShort(const XMLCh* text, char* out)
+{
+    std::size_t count = 0;
+    for (; count < kShort && text[count] != 0 && text[count] <= kLastAscii; ++count) {
+        out[count] = static_cast<char>(text[count]);
+    }
+    return count;
 }
 
 /// The end of the text in UTF-8. The text with a lone surrogate goes to the converter, which tells where that is.
@@ -36,15 +48,40 @@ char* converted(const XMLCh* text, std::size_t length, char* out)
 
 } // namespace
 
+/// Memory for that many units in UTF-8 and a zero byte. Strings that were added stay where they are.
+inline char* EventStrings::room(std::size_t units, QRMFileLocation site)
+{
+    const std::size_t bytes = kMostUtf8Bytes * units + 1 + kUnitBlock;
+    if (bytes > m_block.size - m_used) {
+        grow(bytes, site);
+    }
+    return m_block.bytes.get() + m_used;
+}
+
 void EventStrings::clear()
 {
-    m_full.clear();
+    if (!m_full.empty()) {
+        m_full.clear();
+    }
     m_used = 0;
 }
 
 EventString EventStrings::add(const XMLCh* text, QRMFileLocation site)
 {
-    return add(text, lengthOf(text), site);
+    // Most texts are short and ASCII.
+    char* const bytes = room(kShort, site);
+    if (text == nullptr) {
+        *bytes = 0;
+        ++m_used;
+        return {bytes, 0};
+    }
+    const std::size_t plain = copyShort(text, bytes);
+    if (text[plain] == 0) {
+        bytes[plain] = 0;
+        m_used += plain + 1;
+        return {bytes, plain};
+    }
+    return add(text, unitLength(text), site);
 }
 
 EventString EventStrings::add(const XMLCh* text, std::size_t length, QRMFileLocation site)
@@ -82,26 +119,21 @@ const char** EventStrings::pointers(std::size_t count, QRMFileLocation site)
     return m_pointers.get();
 }
 
-/// Memory for that many units in UTF-8 and a zero byte. Strings that were added stay where they are.
-char* EventStrings::room(std::size_t units, QRMFileLocation site)
+void EventStrings::grow(std::size_t bytes, QRMFileLocation site)
 {
-    const std::size_t bytes = kMostUtf8Bytes * units + 1 + kUnitBlock;
-    if (bytes > m_block.size - m_used) {
-        const std::size_t size = std::max<std::size_t>({bytes, 2 * m_block.size, 1024});
-        Block larger;
-        larger.bytes.reset(allocated(site, [size] { return new (std::nothrow) char[size]; }));
-        larger.size = size;
-        if (m_used != 0) {
-            allocated(site, [this] {
-                m_full.reserve(m_full.size() + 1);
-                return this;
-            });
-            m_full.push_back(std::move(m_block));
-        }
-        m_block = std::move(larger);
-        m_used = 0;
+    const std::size_t size = std::max<std::size_t>({bytes, 2 * m_block.size, 4096});
+    Block larger;
+    larger.bytes.reset(allocated(site, [size] { return new (std::nothrow) char[size]; }));
+    larger.size = size;
+    if (m_used != 0) {
+        allocated(site, [this] {
+            m_full.reserve(m_full.size() + 1);
+            return this;
+        });
+        m_full.push_back(std::move(m_block));
     }
-    return m_block.bytes.get() + m_used;
+    m_block = std::move(larger);
+    m_used = 0;
 }
 
 } // namespace qrm

@@ -42,6 +42,7 @@ public:
 
 private:
     char* room(std::size_t units, QRMFileLocation site);
+    void grow(std::size_t bytes, QRMFileLocation site);
 
     struct Block
     {

@@ -55,6 +55,20 @@ inline xercesc::DOMNode* nextSiblingOf(const xercesc::DOMNode* node, xercesc::DO
     }
 }
 
+/// The parent of a node of any type; null where it has none.
+inline xercesc::DOMNode* parentOf(const xercesc::DOMNode* node)
+{
+    const xercesc::DOMNodeImpl* links = nullptr;
+    switch (node->getNodeType()) {
+    case xercesc::DOMNode::ELEMENT_NODE:
+        links = &static_cast<const xercesc::DOMElementImpl*>(node)->fNode;
+        break;
+    case xercesc::DOMNode::TEXT_NODE: links = &static_cast<const xercesc::DOMTextImpl*>(node)->fNode; break;
+    default: return node->getParentNode();
+    }
+    return links->isOwned() ? links->fOwnerNode : nullptr;
+}
+
 /// Asks for the memory that a walk comes to soon. A document puts its nodes one behind the other in large blocks, so
 /// what follows a node in the tree mostly follows it in memory as well, a page or so ahead of where we are: too many
 /// jumps for the processor to see by itself. Searches in trees that are larger than the cache take half the time.
@@ -85,6 +99,14 @@ inline const XMLCh* valueOf(const xercesc::DOMAttr* attribute)
         }
     }
     return attribute->getValue();
+}
+
+/// The value of a node of any type, null where it has none.
+inline const XMLCh* nodeValueOf(const xercesc::DOMNode* node)
+{
+    return node->getNodeType() == xercesc::DOMNode::ATTRIBUTE_NODE
+               ? valueOf(static_cast<const xercesc::DOMAttr*>(node))
+               : node->getNodeValue();
 }
 
 /// The value of the element's attribute of that name, empty where it has none.
