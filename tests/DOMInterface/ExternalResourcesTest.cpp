@@ -2,6 +2,8 @@
 
 #include <unistd.h>
 
+#include "tests/support/RecordingParser.h"
+#include "tests/support/TemporaryFile.h"
 #include "tests/support/TestDocument.h"
 
 namespace {
@@ -59,6 +61,34 @@ TEST_F(ExternalDTD, ValidatesAndIsCached)
         const std::string invalid = "<!DOCTYPE a SYSTEM '" + dtd + "'><a>text</a>";
         EXPECT_EQ(parser.parse(invalid.data(), static_cast<int>(invalid.size()), document), 0);
     }
+}
+
+TEST(ExternalFiles, GiveNoEventsWhereTheyAreRefused)
+{
+    RecordingParser parser;
+    const TemporaryFile secret("secret");
+    const std::string name = secret.name();
+    const std::string tricks[] = {
+        "<!DOCTYPE a [<!ENTITY e SYSTEM '" + name + "'>]><a>&e;</a>",
+        "<!DOCTYPE a [<!ENTITY e PUBLIC 'p' 'file://" + name + "'>]><a>&e;</a>",
+        "<!DOCTYPE a [<!ENTITY % p SYSTEM '" + name + "'>%p;]><a/>",
+        "<!DOCTYPE a SYSTEM '" + name + "'><a/>",
+    };
+    for (const std::string& trick : tricks) {
+        parser.setRefuseExternal(0);
+        parser.parseText(trick);
+        const bool read = parser.getErrorCode() == 0 || std::string(parser.errorString()).find("unable") != 0;
+        EXPECT_TRUE(read) << "the trick works by default: " << trick << parser.errorString();
+        EXPECT_EQ(parser.setRefuseExternal(1), 1);
+        EXPECT_EQ(parser.parseText(trick), 0) << trick;
+        EXPECT_EQ(parser.getErrorCode(), -1);
+        EXPECT_EQ(std::string(parser.errorString()).find("unable to open"), 0u) << parser.errorString();
+        for (const std::string& event : parser.events) {
+            EXPECT_EQ(event.find("secret"), std::string::npos);
+        }
+    }
+    EXPECT_EQ(parser.setLoadExternalDTD(0), 1);
+    EXPECT_EQ(parser.parseText(tricks[3]), 1) << "it is passed over";
 }
 
 } // namespace
