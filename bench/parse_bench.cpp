@@ -3,6 +3,8 @@
 
 #include <QRMUtils/XML/DOMInterface/QRMIDOM_Parser.h>
 #include <benchmark/benchmark.h>
+#include <libxml/parser.h>
+#include <pugixml.hpp>
 #include <unistd.h>
 
 #include "bench/documents.h"
@@ -64,6 +66,28 @@ void fileParse(benchmark::State& state, const Sample& sample)
     std::filesystem::remove(name);
 }
 
+void libxmlParse(benchmark::State& state, const Sample& sample)
+{
+    for (auto _ : state) {
+        xmlDoc* const document = xmlReadMemory(sample.text.data(), static_cast<int>(sample.text.size()), "",
+                                               nullptr, XML_PARSE_HUGE);
+        if (document == nullptr) {
+            state.SkipWithError("not parsed");
+        }
+        xmlFreeDoc(document);
+    }
+}
+
+void pugixmlParse(benchmark::State& state, const Sample& sample)
+{
+    for (auto _ : state) {
+        pugi::xml_document document;
+        if (!document.load_buffer(sample.text.data(), sample.text.size(), pugi::parse_full)) {
+            state.SkipWithError("not parsed");
+        }
+    }
+}
+
 const bool registered = [] {
     for (const Sample& sample : documents::all()) {
         const auto add = [&sample](const char* side, void (*run)(benchmark::State&, const Sample&)) {
@@ -75,6 +99,8 @@ const bool registered = [] {
         add("buffer", bufferParse);
         add("file", fileParse);
         add("stream", streamParse);
+        add("libxml2", libxmlParse);
+        add("pugixml", pugixmlParse);
     }
     return true;
 }();

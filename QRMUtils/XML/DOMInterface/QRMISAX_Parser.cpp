@@ -18,6 +18,7 @@
 #include <xercesc/util/XMLURL.hpp>
 #include <xercesc/util/XMLUni.hpp>
 
+#include "QRMCore/internal/UnitLength.h"
 #include "QRMUtils/XML/DOMInterface/WQSStreamInputSource.h"
 #include "QRMUtils/XML/DOMInterface/XmlUrl.h"
 #include "QRMUtils/XML/DOMInterface/internal/EventStrings.h"
@@ -271,12 +272,12 @@ void deliverText(QRMISAX_Parser& parser, EventReader& reader, const XMLCh* text)
     if (reader.heldSurrogate != 0) {
         const XMLCh whole[] = {reader.heldSurrogate, *text, 0};
         reader.heldSurrogate = 0;
-        deliver(parser, reader, whole, XMLString::stringLen(whole));
+        deliver(parser, reader, whole, whole[1] != 0 ? 2 : 1);
         if (*++text == 0) {
             return;
         }
     }
-    std::size_t length = XMLString::stringLen(text);
+    std::size_t length = qrm::unitLength(text);
     if (length != 0 && text[length - 1] >= 0xD800 && text[length - 1] <= 0xDBFF) {
         reader.heldSurrogate = text[--length];
         if (length == 0) {

@@ -85,6 +85,7 @@ bool DirectText::convert(const XMLCh* text, char32_t last, bool hasReferences)
     const char16_t* const end = in + unitLength(in);
     bytes = reserve(static_cast<std::size_t>(end - text));
     char* out = bytes + plain;
+    const bool isLatin1 = last == kLastLatin1;
     const auto escape = [&](char32_t character) {
         m_escapes.push_back({static_cast<std::size_t>(out - bytes), character});
     };
@@ -96,21 +97,17 @@ bool DirectText::convert(const XMLCh* text, char32_t last, bool hasReferences)
         // What follows a character that is not ASCII is often another one.
         do {
             const char32_t character = readCharacter(in, end);
-            if (isPlain(character)) {
-                *out++ = static_cast<char>(character);
-            } else if (character <= kLastAscii) {
-                escape(character);
-            } else if (isSurrogate(character)) {
+            if (isSurrogate(character)) {
                 return false;
-            } else if (character > last) {
-                if (!hasReferences) {
-                    return false;
-                }
-                escape(character);
-            } else if (last == kLastLatin1) {
+            }
+            if (isPlain(character) || (isLatin1 && character > kLastAscii && character <= last)) {
                 *out++ = static_cast<char>(character);
-            } else {
+            } else if (character > kLastAscii && character <= last) {
                 out = putUtf8(out, character);
+            } else if (character <= kLastAscii || hasReferences) {
+                escape(character);
+            } else {
+                return false;
             }
         } while (in != end && (*in > kLastAscii || static_cast<std::size_t>(end - in) < kUnitBlock));
     }

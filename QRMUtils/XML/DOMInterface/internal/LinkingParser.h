@@ -75,17 +75,19 @@ public:
 
     void docCharacters(const XMLCh* characters, XMLSize_t length, bool isCdata) override
     {
-        if (!m_links || isCdata || !this->fWithinElement) {
-            Base::docCharacters(characters, length, isCdata);
-        } else if (this->fCurrentNode->getNodeType() == xercesc::DOMNode::TEXT_NODE) {
-            static_cast<xercesc::DOMTextImpl*>(this->fCurrentNode)->appendDataFast(characters, length);
-        } else if (xercesc::DOMElementImpl* const parent = currentElement()) {
-            auto* const text = static_cast<xercesc::DOMTextImpl*>(this->createText(characters, length));
-            append(*parent, *text);
-            this->fCurrentNode = text;
-        } else {
-            Base::docCharacters(characters, length, isCdata);
+        if (m_links && !isCdata && this->fWithinElement) {
+            if (this->fCurrentNode->getNodeType() == xercesc::DOMNode::TEXT_NODE) {
+                static_cast<xercesc::DOMTextImpl*>(this->fCurrentNode)->appendDataFast(characters, length);
+                return;
+            }
+            if (xercesc::DOMElementImpl* const parent = currentElement()) {
+                auto* const text = static_cast<xercesc::DOMTextImpl*>(this->createText(characters, length));
+                append(*parent, *text);
+                this->fCurrentNode = text;
+                return;
+            }
         }
+        Base::docCharacters(characters, length, isCdata);
     }
 
 private:

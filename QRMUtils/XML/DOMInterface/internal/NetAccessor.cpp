@@ -32,8 +32,8 @@ using std::chrono::milliseconds;
 constexpr const char* kProtocols = "http,https,ftp";
 constexpr long kMaxRedirects = 10;
 constexpr long kHttpError = 400;
-constexpr int kLongestWait = 1000;           // milliseconds until we look around again
-constexpr std::size_t kEnough = 256U * 1024; // bytes on hand from which on the server has to wait
+constexpr int kLongestWait = 1000;                       // milliseconds until we look around again
+constexpr std::size_t kEnough = std::size_t(256) * 1024; // bytes on hand from which on the server has to wait
 
 std::atomic<int> connectTimeout{30000};
 std::atomic<int> stallTimeout{60000};
