@@ -15,6 +15,7 @@ bin=$root/build/bench/bench
 mkdir -p "$root/docs/performance"
 "$bin/qrm_bench" --benchmark_repetitions="$repetitions" --benchmark_enable_random_interleaving=true \
     --benchmark_min_time=0.05 --benchmark_out="$root/build/bench.json" --benchmark_out_format=json >"$root/build/bench.log"
-python3 "$root/bench/summary.py" "$root/build/bench.json" "$("$bin/peak_memory" raw)" "$("$bin/peak_memory" handles)" "$root/docs/performance"
+# The interpreter of the packages: another one that comes first in the path would not find theirs.
+/usr/bin/python3 "$root/bench/summary.py" "$root/build/bench.json" "$("$bin/peak_memory" raw)" "$("$bin/peak_memory" handles)" "$root/docs/performance"
 printf 'peak memory of an event parse: %s KiB for 40 MiB, %s KiB for %s MiB\n' \
     "$("$bin/peak_memory" events 40)" "$("$bin/peak_memory" events $large)" "$large"

@@ -95,12 +95,18 @@ inline char* toUtf8(const char16_t* in, const char16_t* end, char* out)
         }
         // What follows a character that is not ASCII is often another one.
         do {
-            const char32_t character = readCharacter(in, end);
-            if (character <= kLastAscii) {
-                *out++ = static_cast<char>(character);
-            } else if (isSurrogate(character)) {
-                return nullptr;
+            const char32_t unit = *in;
+            if (unit <= kLastAscii) {
+                *out++ = static_cast<char>(unit);
+                ++in;
+            } else if (!isSurrogate(unit)) {
+                out = putUtf8(out, unit);
+                ++in;
             } else {
+                const char32_t character = readCharacter(in, end);
+                if (isSurrogate(character)) {
+                    return nullptr;
+                }
                 out = putUtf8(out, character);
             }
         } while (in != end && (*in > kLastAscii || static_cast<std::size_t>(end - in) < kUnitBlock));
