@@ -6,9 +6,13 @@
 #include <istream>
 #include <limits>
 #include <memory>
+#include <string>
+#include <vector>
 
 #include <xercesc/framework/MemBufInputSource.hpp>
 #include <xercesc/framework/URLInputSource.hpp>
+#include <xercesc/framework/XMLAttr.hpp>
+#include <xercesc/framework/XMLElementDecl.hpp>
 #include <xercesc/parsers/SAX2XMLReaderImpl.hpp>
 #include <xercesc/sax/SAXParseException.hpp>
 #include <xercesc/sax2/Attributes.hpp>
@@ -79,10 +83,16 @@ xercesc::BinInputStream* StreamInputSource::makeStream() const
 namespace qrm {
 
 /// The Xerces reader, with what its settings and its events need.
+///
+/// Where namespaces are processed as usual, elements and text go from Xerces' scanner straight to the callbacks: the
+/// base class would copy the attributes that are no declarations into a list, and be asked for each of them again.
 class EventReader final : public xercesc::SAX2XMLReaderImpl, private SchemasOnly
 {
 public:
-    EventReader() : SAX2XMLReaderImpl(XMLPlatformUtils::fgMemoryManager, nullptr) {}
+    EventReader(QRMISAX_Parser& parser, DefaultHandlerImpl& handler)
+        : SAX2XMLReaderImpl(XMLPlatformUtils::fgMemoryManager, nullptr), m_parser(parser), m_handler(handler)
+    {
+    }
 
     Limits limits;
     EventStrings strings;
@@ -106,6 +116,11 @@ public:
             bool& m_flag;
         } const parsing(m_isParsing);
         heldSurrogate = 0;
+        m_isDirect =
+            getFeature(XMLUni::fgSAX2CoreNameSpaces) && !getFeature(XMLUni::fgSAX2CoreNameSpacePrefixes);
+        m_openElements = 0;
+        m_prefixes.clear();
+        m_prefixCounts.clear();
         m_isLimited = limits.any();
         if (m_isLimited) {
             limits.beginDocument();
@@ -132,7 +147,24 @@ public:
 
     void takeSettings(const EventReader& other);
 
+    void startElement(const xercesc::XMLElementDecl& declaration, const unsigned int uriId,
+                      const XMLCh* const prefix, const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes,
+                      const XMLSize_t attributeCount, const bool isEmpty, const bool isRoot) override;
+    void endElement(const xercesc::XMLElementDecl& declaration, const unsigned int uriId, const bool isRoot,
+                    const XMLCh* const prefix) override;
+    void docCharacters(const XMLCh* const characters, const XMLSize_t length, const bool isCdata) override;
+    void ignorableWhitespace(const XMLCh* const characters, const XMLSize_t length,
+                             const bool isCdata) override;
+
 private:
+    void endElement(const XMLCh* uri, const XMLCh* name);
+
+    QRMISAX_Parser& m_parser;
+    DefaultHandlerImpl& m_handler;
+    bool m_isDirect = false;
+    XMLSize_t m_openElements = 0;
+    std::vector<std::u16string> m_prefixes; // declared by the open elements
+    std::vector<XMLSize_t> m_prefixCounts;  // how many of them by each one
     const XMLCh* namedSchemas() const override
     {
         return static_cast<const XMLCh*>(getProperty(XMLUni::fgXercesSchemaExternalSchemaLocation));
@@ -254,6 +286,58 @@ EventReader& beginEvent(EventReader& reader)
     return reader;
 }
 
+/// An attribute as Xerces has it.
+struct Attribute
+{
+    const XMLCh* uri;
+    const XMLCh* qualifiedName;
+    const XMLCh* value;
+};
+
+/// Delivers the start of an element.
+/// @param next gives the attributes, one after the other
+template <class Next>
+void deliverStart(QRMISAX_Parser& parser, EventReader& reader, const XMLCh* uri, const XMLCh* name,
+                  XMLSize_t count, Next&& next)
+{
+    beginEvent(reader);
+    if (reader.isLimited()) {
+        reader.limits.beginElement(reader.locator);
+    }
+    const char* const fullName = reader.strings.addName(uri, name);
+    const char** const atts = reader.strings.pointers(2 * count + 1, QRM_SITE(164));
+    for (XMLSize_t i = 0; i < count; ++i) {
+        const Attribute attribute = next();
+        if (reader.isLimited()) {
+            reader.limits.deliver(attribute.value, reader.locator);
+        }
+        atts[2 * i] = reader.strings.addName(attribute.uri, attribute.qualifiedName);
+        atts[2 * i + 1] = reader.strings.add(attribute.value, kConversion).bytes;
+    }
+    atts[2 * count] = nullptr;
+    parser.startElement(fullName, atts);
+}
+
+void deliverEnd(QRMISAX_Parser& parser, EventReader& reader, const XMLCh* uri, const XMLCh* name)
+{
+    beginEvent(reader);
+    if (reader.isLimited()) {
+        reader.limits.endElement();
+    }
+    parser.endElement(reader.strings.addName(uri, name));
+}
+
+/// The prefix that an attribute declares, empty for the default namespace; null where it is no declaration.
+const XMLCh* declaredPrefix(const xercesc::XMLAttr& attribute)
+{
+    const XMLCh* const prefix = attribute.getPrefix();
+    if (qrm::isEmpty(prefix)) {
+        return XMLString::equals(attribute.getName(), XMLUni::fgXMLNSString) ? XMLUni::fgZeroLenString
+                                                                             : nullptr;
+    }
+    return XMLString::equals(prefix, XMLUni::fgXMLNSString) ? attribute.getName() : nullptr;
+}
+
 void deliver(QRMISAX_Parser& parser, EventReader& reader, const XMLCh* text, std::size_t length)
 {
     if (reader.isLimited()) {
@@ -288,6 +372,83 @@ void deliverText(QRMISAX_Parser& parser, EventReader& reader, const XMLCh* text)
 }
 
 } // namespace
+
+void EventReader::startElement(const xercesc::XMLElementDecl& declaration, const unsigned int uriId,
+                               const XMLCh* const prefix,
+                               const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes,
+                               const XMLSize_t attributeCount, const bool isEmpty, const bool isRoot)
+{
+    if (!m_isDirect) {
+        SAX2XMLReaderImpl::startElement(declaration, uriId, prefix, attributes, attributeCount, isEmpty,
+                                        isRoot);
+        return;
+    }
+    XMLSize_t declared = 0;
+    for (XMLSize_t i = 0; i < attributeCount; ++i) {
+        const xercesc::XMLAttr& attribute = *attributes.elementAt(i);
+        if (const XMLCh* const name = declaredPrefix(attribute)) {
+            m_handler.startPrefixMapping(name, attribute.getValue());
+            qrm::allocated(kConversion, [&] { return &m_prefixes.emplace_back(name); });
+            ++declared;
+        }
+    }
+    qrm::allocated(kConversion, [&] { return &m_prefixCounts.emplace_back(declared); });
+    const XMLCh* const uri = getURIText(uriId);
+    const XMLCh* const name = declaration.getBaseName();
+    XMLSize_t index = 0;
+    deliverStart(m_parser, *this, uri, name, attributeCount - declared, [&] {
+        const xercesc::XMLAttr* attribute = attributes.elementAt(index++);
+        while (declared != 0 && declaredPrefix(*attribute) != nullptr) {
+            attribute = attributes.elementAt(index++);
+        }
+        return Attribute{getURIText(attribute->getURIId()), attribute->getQName(), attribute->getValue()};
+    });
+    if (isEmpty) {
+        endElement(uri, name);
+    } else {
+        ++m_openElements;
+    }
+}
+
+void EventReader::endElement(const xercesc::XMLElementDecl& declaration, const unsigned int uriId,
+                             const bool isRoot, const XMLCh* const prefix)
+{
+    if (!m_isDirect) {
+        SAX2XMLReaderImpl::endElement(declaration, uriId, isRoot, prefix);
+        return;
+    }
+    endElement(getURIText(uriId), declaration.getBaseName());
+    --m_openElements;
+}
+
+void EventReader::endElement(const XMLCh* uri, const XMLCh* name)
+{
+    deliverEnd(m_parser, *this, uri, name);
+    for (XMLSize_t left = m_prefixCounts.back(); left != 0; --left) {
+        m_handler.endPrefixMapping(m_prefixes.back().c_str());
+        m_prefixes.pop_back();
+    }
+    m_prefixCounts.pop_back();
+}
+
+void EventReader::docCharacters(const XMLCh* const characters, const XMLSize_t length, const bool isCdata)
+{
+    if (!m_isDirect) {
+        SAX2XMLReaderImpl::docCharacters(characters, length, isCdata);
+    } else if (m_openElements != 0) {
+        m_handler.characters(characters, length);
+    }
+}
+
+void EventReader::ignorableWhitespace(const XMLCh* const characters, const XMLSize_t length,
+                                      const bool isCdata)
+{
+    if (!m_isDirect) {
+        SAX2XMLReaderImpl::ignorableWhitespace(characters, length, isCdata);
+    } else if (m_openElements != 0) {
+        m_handler.ignorableWhitespace(characters, length);
+    }
+}
 
 void EventReader::takeSettings(const EventReader& other)
 {
@@ -327,11 +488,7 @@ void DefaultHandlerImpl::endElement(const XMLCh* const uri, const XMLCh* const l
                                     const XMLCh* const qname)
 {
     QRM_ASSERT_AT(121, m_pOwner != NULL);
-    EventReader& reader = beginEvent(m_pOwner->reader());
-    if (reader.isLimited()) {
-        reader.limits.endElement();
-    }
-    m_pOwner->endElement(reader.strings.addName(uri, localPart(localname, qname)));
+    deliverEnd(*m_pOwner, m_pOwner->reader(), uri, localPart(localname, qname));
 }
 
 void DefaultHandlerImpl::ignorableWhitespace(const XMLCh* const chars, const XMLSize_t /*length*/)
@@ -367,23 +524,11 @@ void DefaultHandlerImpl::startElement(const XMLCh* const uri, const XMLCh* const
                                       const XMLCh* const qname, const xercesc::Attributes& attrs)
 {
     QRM_ASSERT_AT(158, m_pOwner != NULL);
-    EventReader& reader = beginEvent(m_pOwner->reader());
-    if (reader.isLimited()) {
-        reader.limits.beginElement(reader.locator);
-    }
-    const char* const name = reader.strings.addName(uri, localPart(localname, qname));
-    const XMLSize_t count = attrs.getLength();
-    const char** const atts = reader.strings.pointers(2 * count + 1, QRM_SITE(164));
-    for (XMLSize_t i = 0; i < count; ++i) {
-        const XMLCh* const value = attrs.getValue(i);
-        if (reader.isLimited()) {
-            reader.limits.deliver(value, reader.locator);
-        }
-        atts[2 * i] = reader.strings.addName(attrs.getURI(i), attrs.getQName(i));
-        atts[2 * i + 1] = reader.strings.add(value, kConversion).bytes;
-    }
-    atts[2 * count] = nullptr;
-    m_pOwner->startElement(name, atts);
+    XMLSize_t index = 0;
+    deliverStart(*m_pOwner, m_pOwner->reader(), uri, localPart(localname, qname), attrs.getLength(), [&] {
+        const XMLSize_t i = index++;
+        return Attribute{attrs.getURI(i), attrs.getQName(i), attrs.getValue(i)};
+    });
 }
 
 void DefaultHandlerImpl::startPrefixMapping(const XMLCh* const prefix, const XMLCh* const uri)
@@ -451,7 +596,7 @@ QRMISAX_Parser::QRMISAX_Parser() : m_handler(this)
 {
     std::unique_ptr<EventReader> made;
     asked(QRM_SITE(310), 0, [&] {
-        made = std::make_unique<EventReader>();
+        made = std::make_unique<EventReader>(*this, m_handler);
         prepare(*made, m_handler);
         return 1;
     });
@@ -634,7 +779,7 @@ void QRMISAX_Parser::replaceSpentReader()
 {
     if (reader().isSpent) {
         qrm::translated(QRM_SITE_HERE, [this] {
-            auto fresh = std::make_unique<EventReader>();
+            auto fresh = std::make_unique<EventReader>(*this, m_handler);
             prepare(*fresh, m_handler);
             fresh->takeSettings(reader());
             delete m_parserImpl;
