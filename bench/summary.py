@@ -3,7 +3,7 @@ them.
 
 usage: summary.py RESULT.json RAW_KIB HANDLES_KIB [FOLDER]
 
-In the folder go ratios.svg, beside other libraries, and growth.svg.
+In the folder go figures.md, ratios.svg, beside other libraries, and growth.svg.
 """
 
 import json
@@ -106,6 +106,28 @@ def growth_of(medians, work):
     return sorted((int(on), time / int(on)) for (side, on), time in medians.items() if side == "growth/" + work)
 
 
+def write_figures(medians, path):
+    """The figures as Markdown tables."""
+    with open(path, "w") as page:
+        page.write("# Figures\n\nWritten by `./bench.sh`; `docs/performance.md` tells what they mean.\n\n")
+        page.write("| work | side | against | median | single documents |\n|---|---|---|---|---|\n")
+        for work, ours, other, _ in TARGETS:
+            ratios = sorted(ratios_of(medians, ours, other).values())
+            spread = f"{ratios[0]:.2f} to {ratios[-1]:.2f}" if len(ratios) > 1 else ""
+            page.write(f"| {work} | `{ours}` | `{other}` | {statistics.median(ratios):.2f} | {spread} |\n")
+        page.write("\nAs ratios to Xerces:\n\n| work | library | median |\n|---|---|---|\n")
+        for work, one, sides in PEERS:
+            for name, side in sides.items():
+                if side != one:
+                    median = statistics.median(ratios_of(medians, side, one).values())
+                    page.write(f"| {work} | {name} | {median:.2f} |\n")
+        sizes = [records for records, _ in growth_of(medians, "parse")]
+        page.write("\nNanoseconds a record, for documents of so many records:\n\n")
+        page.write("| work |" + "".join(f" {size:,} |" for size in sizes) + "\n|---|" + "---|" * len(sizes) + "\n")
+        for work, name in GROWTH.items():
+            page.write(f"| {name} |" + "".join(f" {time:.0f} |" for _, time in growth_of(medians, work)) + "\n")
+
+
 def draw(medians, folder):
     import matplotlib
     matplotlib.use("svg")
@@ -146,6 +168,7 @@ def main(result, raw_kib, handles_kib, folder=None):
     row("peak memory of a parse", "raw, own process", "records", int(handles_kib) / int(raw_kib), 1.00)
     print_growth(medians)
     if folder is not None:
+        write_figures(medians, f"{folder}/figures.md")
         draw(medians, folder)
 
 

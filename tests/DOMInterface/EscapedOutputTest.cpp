@@ -328,6 +328,77 @@ TEST_F(NodeOutput, WritesOnIntoAStreamThatHasFailed)
     EXPECT_EQ(stream.str(), "");
 }
 
+/// Takes a few bytes, and then fails in its own way.
+class FailingBuffer : public std::streambuf
+{
+public:
+    explicit FailingBuffer(bool throws) : m_throws(throws) {}
+    std::string taken;
+
+protected:
+    std::streamsize xsputn(const char* data, std::streamsize count) override
+    {
+        if (taken.size() > 10) {
+            if (m_throws) {
+                throw 5;
+            }
+            return 0;
+        }
+        taken.append(data, static_cast<std::size_t>(count));
+        return count;
+    }
+    int overflow(int) override { return EOF; }
+
+private:
+    bool m_throws;
+};
+
+TEST_F(NodeOutput, LeavesAStreamBadWhoseBufferFails)
+{
+    for (const bool throws : {false, true}) {
+        FailingBuffer buffer(throws);
+        std::ostream stream(&buffer);
+        QRMIDOM_Helper::write(document.getDocumentElement(), stream, "UTF-8");
+        QRMIDOM_Helper::write(document, stream, "UTF-8");
+        EXPECT_TRUE(stream.bad()) << throws;
+        EXPECT_EQ(buffer.taken, "<a>\u00e9</a><?xml version=\"1.0\" encoding=\"UTF-8\"?>\n")
+            << "the header is the last that is taken";
+
+        std::ostream telling(&buffer);
+        telling.exceptions(std::ios::badbit);
+        buffer.taken = "more than ten bytes";
+        if (throws) {
+            EXPECT_THROW(QRMIDOM_Helper::write(document, telling, "UTF-8"), int);
+        } else {
+            EXPECT_THROW(QRMIDOM_Helper::write(document, telling, "UTF-8"), std::ios::failure);
+        }
+    }
+}
+
+TEST_F(NodeOutput, FlushesAsTheStreamSaysAfterEachPiece)
+{
+    struct Counting : std::stringbuf
+    {
+        int flushes = 0;
+        int sync() override
+        {
+            ++flushes;
+            return 0;
+        }
+    } buffer, tied;
+    std::ostream stream(&buffer);
+    std::ostream other(&tied);
+    stream.tie(&other);
+    QRMIDOM_Helper::write(document.getDocumentElement(), stream, "UTF-8");
+    EXPECT_EQ(tied.flushes, 7) << "before each of the pieces < a > \u00e9 </ a >";
+    EXPECT_EQ(buffer.flushes, 0);
+    stream.tie(nullptr);
+    stream << std::unitbuf;
+    QRMIDOM_Helper::write(document.getDocumentElement(), stream, "UTF-8");
+    EXPECT_EQ(buffer.flushes, 7);
+    EXPECT_EQ(buffer.str(), "<a>\u00e9</a><a>\u00e9</a>");
+}
+
 TEST_F(NodeOutput, CutsTheTextForAVeryLongPath)
 {
     const std::string target = "/no/" + std::string(5000, 'x');

@@ -6,11 +6,13 @@
 #include <fstream>
 #include <limits>
 #include <ostream>
+#include <streambuf>
 #include <string_view>
 
 #if defined(__SSE2__)
 #include <emmintrin.h>
 #endif
+#include <cxxabi.h>
 
 #include "QRMUtils/XML/DOMInterface/DomWriter.h"
 #include "QRMUtils/XML/DOMInterface/QRMIDOM_Document.h"
@@ -38,7 +40,28 @@ class OstreamDomWriter final : public DomWriter
 public:
     OstreamDomWriter(const char* encoding, std::ostream& stream) : DomWriter(encoding), m_stream(&stream) {}
 
-    void write(const char* data, int length) override { m_stream->write(data, length); }
+    void write(const char* data, int length) override
+    {
+        // A tree is written in very many pieces. What std::ostream::write() looks after for each of them takes longer
+        // than the piece, and mostly there is nothing to look after.
+        const bool isPlain = m_stream->good() && m_stream->tie() == nullptr
+                             && (m_stream->flags() & std::ios_base::unitbuf) == 0
+                             && m_stream->exceptions() == std::ios_base::goodbit;
+        if (!isPlain) {
+            m_stream->write(data, length);
+            return;
+        }
+        try {
+            if (m_stream->rdbuf()->sputn(data, length) != length) {
+                m_stream->setstate(std::ios_base::badbit);
+            }
+        } catch (const abi::__forced_unwind&) {
+            m_stream->setstate(std::ios_base::badbit);
+            throw; // the end of the thread
+        } catch (...) {
+            m_stream->setstate(std::ios_base::badbit);
+        }
+    }
     void endline() override { *m_stream << std::endl; }
 
 private:
