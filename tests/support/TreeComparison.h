@@ -52,6 +52,13 @@ public:
         }
     }
 
+    /// The nodes are in one document, or each in its own.
+    void compareTrees(const xercesc::DOMNode* a, const xercesc::DOMNode* b)
+    {
+        m_counterparts[a->getOwnerDocument()] = b->getOwnerDocument();
+        compare(a, b);
+    }
+
 private:
     void fail(const std::string& what)
     {
@@ -203,6 +210,13 @@ inline std::string differenceOf(const xercesc::DOMDocument* a, const xercesc::DO
 {
     Comparison comparison;
     comparison.compareDocuments(a, b);
+    return comparison.difference;
+}
+
+inline std::string differenceOfTrees(const xercesc::DOMNode* a, const xercesc::DOMNode* b)
+{
+    Comparison comparison;
+    comparison.compareTrees(a, b);
     return comparison.difference;
 }
 

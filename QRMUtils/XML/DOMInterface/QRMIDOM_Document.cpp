@@ -18,6 +18,7 @@
 #include "QRMUtils/XML/DOMInterface/internal/Iterators.h"
 #include "QRMUtils/XML/DOMInterface/internal/Sharing.h"
 #include "QRMUtils/XML/DOMInterface/internal/Strings.h"
+#include "QRMUtils/XML/DOMInterface/internal/Trees.h"
 
 using Bridge = QRMIDOM_XercesHelper;
 using qrm::live;
@@ -163,7 +164,7 @@ QRMIDOM_EntityReference QRMIDOM_Document::createEntityReference(const I18NString
     auto* const document = live(dom(), QRM_SITE_HERE);
     return translated(QRM_SITE_HERE, [&] {
         return sharing<QRMIDOM_EntityReference>(
-            m_refCountedNodeImpl, document->createEntityReference(Bridge::I18NStringToDOMString(name)));
+            m_refCountedNodeImpl, qrm::makeEntityReference(document, Bridge::I18NStringToDOMString(name)));
     });
 }
 
@@ -219,7 +220,7 @@ QRMIDOM_Node QRMIDOM_Document::importNode(QRMIDOM_Node& importedNode, int deep)
     QRM_ASSERT(importedNode != NULL);
     return translated(QRM_SITE_HERE, [&] {
         return sharing<QRMIDOM_Node>(m_refCountedNodeImpl,
-                                     live(dom(), QRM_SITE_HERE)->importNode(importedNode, deep != 0));
+                                     qrm::import(live(dom(), QRM_SITE_HERE), importedNode, deep != 0));
     });
 }
 
@@ -267,6 +268,6 @@ void QRMIDOM_Document::normalizeDocument()
         for (const Parameter& parameter : kNormalForm) {
             domConfiguration->setParameter(parameter.name, parameter.value);
         }
-        dom()->normalizeDocument();
+        qrm::normalizeWholeDocument(dom());
     });
 }

@@ -2,6 +2,7 @@
 
 #include "QRMUtils/XML/DOMInterface/QRMIDOM_XercesHelper.h"
 #include "QRMUtils/XML/DOMInterface/internal/Sharing.h"
+#include "QRMUtils/XML/DOMInterface/internal/Trees.h"
 
 using Bridge = QRMIDOM_XercesHelper;
 using qrm::live;
@@ -47,7 +48,7 @@ QRMIDOM_Node QRMIDOM_NamedNodeMap::getNamedItem(const I18NString& name) const
 {
     return sharing<QRMIDOM_Node>(
         m_refCountedNodeImpl,
-        live(m_nodeImpl, QRM_SITE(99))->getNamedItem(Bridge::I18NStringToDOMString(name)));
+        qrm::expanded(live(m_nodeImpl, QRM_SITE(99))->getNamedItem(Bridge::I18NStringToDOMString(name))));
 }
 
 QRMIDOM_Node QRMIDOM_NamedNodeMap::setNamedItem(QRMIDOM_Node node)
@@ -70,7 +71,8 @@ QRMIDOM_Node QRMIDOM_NamedNodeMap::removeNamedItem(const I18NString& name)
 
 QRMIDOM_Node QRMIDOM_NamedNodeMap::item(unsigned long index) const
 {
-    return sharing<QRMIDOM_Node>(m_refCountedNodeImpl, live(m_nodeImpl, QRM_SITE(160))->item(index));
+    return sharing<QRMIDOM_Node>(m_refCountedNodeImpl,
+                                 qrm::expanded(live(m_nodeImpl, QRM_SITE(160))->item(index)));
 }
 
 unsigned long QRMIDOM_NamedNodeMap::getLength() const

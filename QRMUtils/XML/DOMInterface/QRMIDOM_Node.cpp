@@ -6,6 +6,7 @@
 #include "QRMUtils/XML/DOMInterface/QRMIDOM_XercesHelper.h"
 #include "QRMUtils/XML/DOMInterface/internal/Links.h"
 #include "QRMUtils/XML/DOMInterface/internal/Sharing.h"
+#include "QRMUtils/XML/DOMInterface/internal/Trees.h"
 
 using Bridge = QRMIDOM_XercesHelper;
 using qrm::live;
@@ -199,7 +200,7 @@ QRMIDOM_Node QRMIDOM_Node::cloneNode(int deep) const
     const auto makeClone = [&] {
         return translated(QRM_SITE_HERE, [&] {
             refuseDetachedDoctype(node);
-            return node->cloneNode(deep != 0);
+            return qrm::clone(node, deep != 0);
         });
     };
 
@@ -214,7 +215,7 @@ QRMIDOM_Node QRMIDOM_Node::cloneNode(int deep) const
 
 void QRMIDOM_Node::normalize()
 {
-    live(m_nodeImpl, QRM_SITE_HERE)->normalize();
+    qrm::normalizeTree(live(m_nodeImpl, QRM_SITE_HERE));
 }
 
 bool QRMIDOM_Node::supports(const I18NString& feature, const I18NString& version) const

@@ -1,9 +1,11 @@
 #include "QRMUtils/XML/DOMInterface/RefCounted_DOMNode.h"
 
+#include "QRMUtils/XML/DOMInterface/internal/Trees.h"
+
 void RefCounted_DOMNode::cleanup()
 {
     if (m_node != nullptr) {
-        m_node->release();
+        qrm::releaseTree(m_node);
         m_node = nullptr;
     }
 }

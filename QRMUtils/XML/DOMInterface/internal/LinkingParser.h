@@ -1,6 +1,7 @@
 #ifndef QRMIDOM_INTERNAL_LINKINGPARSER_H
 #define QRMIDOM_INTERNAL_LINKINGPARSER_H
 
+#include <xercesc/dom/impl/DOMDocumentTypeImpl.hpp>
 #include <xercesc/dom/impl/DOMNodeIDMap.hpp>
 #include <xercesc/framework/XMLAttr.hpp>
 #include <xercesc/framework/XMLBufferMgr.hpp>
@@ -10,6 +11,7 @@
 #include <xercesc/util/XMLUniDefs.hpp>
 
 #include "QRMUtils/XML/DOMInterface/internal/Links.h"
+#include "QRMUtils/XML/DOMInterface/internal/Trees.h"
 
 namespace qrm {
 
@@ -50,7 +52,7 @@ public:
                 addAttribute(*element, *attributes.elementAt(i), hasNamespaces);
             }
         }
-        append(*parent, *element);
+        appendLast(parent->fParent, *element);
         this->fCurrentParent = element;
         this->fCurrentNode = element;
         if (isEmpty) {
@@ -82,12 +84,33 @@ public:
             }
             if (xercesc::DOMElementImpl* const parent = currentElement()) {
                 auto* const text = static_cast<xercesc::DOMTextImpl*>(this->createText(characters, length));
-                append(*parent, *text);
+                appendLast(parent->fParent, *text);
                 this->fCurrentNode = text;
                 return;
             }
         }
         Base::docCharacters(characters, length, isCdata);
+    }
+
+    void endDocument() override
+    {
+        this->fDocument->setErrorChecking(true);
+        if (this->fDocumentType != nullptr && this->fScanner->getDoNamespaces()) {
+            completeDoctype(this->fDocumentType); // which in Xerces calls itself for each level of an entity
+        }
+    }
+
+    void endEntityReference(const xercesc::XMLEntityDecl& declaration) override
+    {
+        xercesc::DOMNode* const reference = this->fCurrentParent;
+        xercesc::DOMNode* const parent = parentOf(reference);
+        if (reference->getNodeType() != xercesc::DOMNode::ENTITY_REFERENCE_NODE || parent == nullptr) {
+            Base::endEntityReference(declaration);
+            return;
+        }
+        this->fCurrentNode = reference;
+        this->fCurrentParent = parent;
+        makeReadOnly(reference); // which in Xerces calls itself for each level of the content
     }
 
 private:
@@ -174,42 +197,6 @@ private:
             appendFirst(attribute.fParent, *static_cast<xercesc::DOMTextImpl*>(this->createText(
                                                value, xercesc::XMLString::stringLen(value))));
         }
-    }
-
-    static xercesc::DOMChildNode& siblings(xercesc::DOMNode* node)
-    {
-        return siblingsOf(node, node->getNodeType());
-    }
-
-    template <class Node>
-    static void own(xercesc::DOMParentNode& parent, Node& child)
-    {
-        child.fNode.fOwnerNode = parent.fContainingNode;
-        child.fNode.isOwned(true);
-    }
-
-    template <class Node>
-    static void appendFirst(xercesc::DOMParentNode& parent, Node& child)
-    {
-        own(parent, child);
-        parent.fFirstChild = &child;
-        child.fNode.isFirstChild(true);
-        child.fChild.previousSibling = &child;
-    }
-
-    /// The last child is the previous sibling of the first one.
-    template <class Node>
-    static void append(xercesc::DOMElementImpl& element, Node& child)
-    {
-        if (element.fParent.fFirstChild == nullptr) {
-            appendFirst(element.fParent, child);
-            return;
-        }
-        own(element.fParent, child);
-        xercesc::DOMChildNode& first = siblings(element.fParent.fFirstChild);
-        siblings(first.previousSibling).nextSibling = &child;
-        child.fChild.previousSibling = first.previousSibling;
-        first.previousSibling = &child;
     }
 
     bool m_links = true;

@@ -69,6 +69,35 @@ inline xercesc::DOMNode* parentOf(const xercesc::DOMNode* node)
     return links->isOwned() ? links->fOwnerNode : nullptr;
 }
 
+/// Gives a node that is new, of a type with those fields, to a parent without children.
+template <class Node>
+void appendFirst(xercesc::DOMParentNode& parent, Node& child)
+{
+    child.fNode.fOwnerNode = parent.fContainingNode;
+    child.fNode.isOwned(true);
+    parent.fFirstChild = &child;
+    child.fNode.isFirstChild(true);
+    child.fChild.previousSibling = &child;
+}
+
+/// Gives a node that is new, of a type with those fields, to a parent, behind its last child.
+template <class Node>
+void appendLast(xercesc::DOMParentNode& parent, Node& child)
+{
+    xercesc::DOMNode* const first = parent.fFirstChild;
+    if (first == nullptr) {
+        appendFirst(parent, child);
+        return;
+    }
+    child.fNode.fOwnerNode = parent.fContainingNode;
+    child.fNode.isOwned(true);
+    // The last child is the previous sibling of the first one.
+    xercesc::DOMNode*& last = siblingsOf(first, first->getNodeType()).previousSibling;
+    siblingsOf(last, last->getNodeType()).nextSibling = &child;
+    child.fChild.previousSibling = last;
+    last = &child;
+}
+
 /// Asks for the memory that a walk comes to soon. A document puts its nodes one behind the other in large blocks, so
 /// what follows a node in the tree mostly follows it in memory as well, a page or so ahead of where we are: too many
 /// jumps for the processor to see by itself. Searches in trees that are larger than the cache take half the time.
