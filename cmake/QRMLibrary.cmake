@@ -2,6 +2,8 @@
 # it reaches the installed targets.
 add_library(qrm_build_flags INTERFACE)
 target_compile_features(qrm_build_flags INTERFACE cxx_std_17)
+# Files of any size, where a word has 32 bits too.
+target_compile_definitions(qrm_build_flags INTERFACE _FILE_OFFSET_BITS=64)
 target_compile_options(
     qrm_build_flags
     INTERFACE -Wall
