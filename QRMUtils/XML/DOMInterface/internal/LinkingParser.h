@@ -20,7 +20,8 @@ namespace qrm {
 /// here the type of a node tells where they are. The nodes are Xerces' own, and the tree is the same.
 ///
 /// Everything else is left to Xerces: the document element, elements with declared attributes, schema information,
-/// CDATA sections, comments, entity references and errors.
+/// CDATA sections, comments, entity references, errors, and documents without namespaces. But what Xerces does at the
+/// end of references and documents by calling itself for each level of an entity is done without that here.
 ///
 /// @tparam Base derives from xercesc::AbstractDOMParser
 template <class Base>
@@ -38,18 +39,17 @@ public:
                       bool isEmpty, bool isRoot) override
     {
         xercesc::DOMElementImpl* const parent = currentElement();
-        if (parent == nullptr || this->fCreateSchemaInfo || hasDefaults(declaration)) {
+        if (parent == nullptr || this->fCreateSchemaInfo || !this->fScanner->getDoNamespaces()
+            || hasDefaults(declaration)) {
             Base::startElement(declaration, uriId, prefix, attributes, attributeCount, isEmpty, isRoot);
             return;
         }
-        const bool hasNamespaces = this->fScanner->getDoNamespaces();
-        auto* const element = static_cast<xercesc::DOMElementImpl*>(
-            hasNamespaces ? makeElement(declaration.getBaseName(), uriId, prefix)
-                          : this->createElement(declaration.getFullName()));
+        auto* const element =
+            static_cast<xercesc::DOMElementImpl*>(makeElement(declaration.getBaseName(), uriId, prefix));
         if (attributeCount != 0) {
             element->fAttributes->reserve(attributeCount);
             for (XMLSize_t i = 0; i < attributeCount; ++i) {
-                addAttribute(*element, *attributes.elementAt(i), hasNamespaces);
+                addAttribute(*element, *attributes.elementAt(i));
             }
         }
         appendLast(parent->fParent, *element);
@@ -162,23 +162,17 @@ private:
         return uriId != this->fScanner->getEmptyNamespaceId() ? this->fScanner->getURIText(uriId) : nullptr;
     }
 
-    void addAttribute(xercesc::DOMElementImpl& element, const xercesc::XMLAttr& given, bool hasNamespaces)
+    void addAttribute(xercesc::DOMElementImpl& element, const xercesc::XMLAttr& given)
     {
-        xercesc::DOMAttrImpl* attribute = nullptr;
-        if (hasNamespaces) {
-            const XMLCh* const prefix = given.getPrefix();
-            const bool isDefaultDeclaration =
-                (prefix == nullptr || *prefix == 0)
-                && xercesc::XMLString::equals(given.getName(), xercesc::XMLUni::fgXMLNSString);
-            const unsigned int uriId =
-                isDefaultDeclaration ? this->fScanner->getXMLNSNamespaceId() : given.getURIId();
-            attribute = static_cast<xercesc::DOMAttrImpl*>(
-                this->createAttrNS(uriText(uriId), prefix, given.getName(), given.getQName()));
-            element.fAttributes->setNamedItemNSFast(attribute);
-        } else {
-            attribute = static_cast<xercesc::DOMAttrImpl*>(this->createAttr(given.getName()));
-            element.fAttributes->setNamedItemFast(attribute);
-        }
+        const XMLCh* const prefix = given.getPrefix();
+        const bool isDefaultDeclaration =
+            (prefix == nullptr || *prefix == 0)
+            && xercesc::XMLString::equals(given.getName(), xercesc::XMLUni::fgXMLNSString);
+        const unsigned int uriId =
+            isDefaultDeclaration ? this->fScanner->getXMLNSNamespaceId() : given.getURIId();
+        auto* const attribute = static_cast<xercesc::DOMAttrImpl*>(
+            this->createAttrNS(uriText(uriId), prefix, given.getName(), given.getQName()));
+        element.fAttributes->setNamedItemNSFast(attribute);
         setValue(*attribute, given.getValue());
         if (given.getType() == xercesc::XMLAttDef::ID) {
             if (this->fDocument->fNodeIDMap == nullptr) {
