@@ -2,6 +2,7 @@
 
 #include <sstream>
 
+#include <QRMUtils/XML/DOMInterface/QRMIDOM_DOMImplementation.h>
 #include <QRMUtils/XML/DOMInterface/QRMIDOM_Helper.h>
 #include <QRMUtils/XML/DOMInterface/QRMIDOM_Parser.h>
 #include <QRMUtils/XML/DOMInterface/QRMISAX_Parser.h>
@@ -60,6 +61,77 @@ void events(benchmark::State& state, const std::string& text)
     }
 }
 
+void clone(benchmark::State& state, const std::string& text)
+{
+    const QRMIDOM_Document document = treeOf(text);
+    // A handle from a plain pointer owns its clones.
+    const QRMIDOM_Node root(static_cast<xercesc::DOMNode*>(document.getDocumentElement()));
+    for (auto _ : state) {
+        const QRMIDOM_Node copy = root.cloneNode(1);
+    }
+}
+
+void rawClone(benchmark::State& state, const std::string& text)
+{
+    const QRMIDOM_Document document = treeOf(text);
+    const xercesc::DOMNode* const root = document.getDocumentElement();
+    for (auto _ : state) {
+        root->cloneNode(true)->release();
+    }
+}
+
+void import(benchmark::State& state, const std::string& text)
+{
+    const QRMIDOM_Document document = treeOf(text);
+    QRMIDOM_Element root = document.getDocumentElement();
+    for (auto _ : state) {
+        QRMIDOM_Document target = QRMIDOM_DOMImplementation::getInstance().createDocument();
+        benchmark::DoNotOptimize(target.importNode(root, 1));
+    }
+}
+
+/// Text that is cut by a comment in each record.
+std::string cutText(const std::string& text)
+{
+    std::string result = "<r>";
+    for (std::size_t at = text.find("<order "); at != std::string::npos; at = text.find("<order ", at + 1)) {
+        result += "text<!-- -->";
+    }
+    return result + "</r>";
+}
+
+template <class Normalize>
+void normalizeCutText(benchmark::State& state, const std::string& text, Normalize&& normalize)
+{
+    const std::string cut = cutText(text);
+    for (auto _ : state) {
+        state.PauseTiming();
+        QRMIDOM_Document document = treeOf(cut);
+        state.ResumeTiming();
+        normalize(document);
+        state.PauseTiming();
+        document = NULL;
+        state.ResumeTiming();
+    }
+}
+
+void normalize(benchmark::State& state, const std::string& text)
+{
+    normalizeCutText(state, text, [](QRMIDOM_Document& document) { document.normalizeDocument(); });
+}
+
+void rawNormalize(benchmark::State& state, const std::string& text)
+{
+    normalizeCutText(state, text, [](QRMIDOM_Document& document) {
+        xercesc::DOMDocument* const raw = document;
+        for (const XMLCh* const kept : {xercesc::XMLUni::fgDOMCDATASections, xercesc::XMLUni::fgDOMComments,
+                                        xercesc::XMLUni::fgDOMNamespaces}) {
+            raw->getDOMConfig()->setParameter(kept, false);
+        }
+        raw->normalizeDocument();
+    });
+}
+
 const bool registered = [] {
     for (const int records : {1000, 10000, 100000}) {
         const auto add = [records](const char* work, void (*run)(benchmark::State&, const std::string&)) {
@@ -73,6 +145,13 @@ const bool registered = [] {
         add("find", find);
         add("write_ns", write);
         add("events", events);
+        add("clone", clone);
+        add("raw_clone", rawClone);
+        add("import", import);
+        add("normalize", normalize);
+        if (records < 100000) { // which takes minutes
+            add("raw_normalize", rawNormalize);
+        }
     }
     return true;
 }();

@@ -52,7 +52,9 @@ PEERS = [
 ]
 
 GROWTH = {"parse": "parse", "raw_parse": "parse, Xerces", "find": "find", "write_ns": "write with namespaces",
-          "events": "events"}
+          "events": "events", "clone": "clone and release", "raw_clone": "clone and release, Xerces",
+          "import": "import", "normalize": "normal form of cut text",
+          "raw_normalize": "normal form of cut text, Xerces"}
 
 
 def read_medians(result):
@@ -148,7 +150,7 @@ def draw(medians, folder):
     figure.tight_layout()
     figure.savefig(f"{folder}/ratios.svg", metadata={"Date": None})
 
-    figure, panel = plt.subplots(figsize=(7, 4))
+    figure, panel = plt.subplots(figsize=(8.5, 4))
     for work, name in GROWTH.items():
         points = growth_of(medians, work)
         panel.plot([x for x, _ in points], [y for _, y in points], marker="o", label=name)
@@ -156,7 +158,7 @@ def draw(medians, folder):
     panel.set_yscale("log")
     panel.set_xlabel("records in the document")
     panel.set_ylabel("nanoseconds a record")
-    panel.legend()
+    panel.legend(fontsize="x-small", loc="center left", bbox_to_anchor=(1, 0.5))
     figure.tight_layout()
     figure.savefig(f"{folder}/growth.svg", metadata={"Date": None})
 
