@@ -87,6 +87,12 @@ protected:
     }
 };
 
+/// What is wrong, without the excerpt that shows where.
+std::string firstLine(const std::string& text)
+{
+    return text.substr(0, text.find('\n') + 1);
+}
+
 constexpr const char* kHeader = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
 
 TEST_F(Qrmxml, WritesADocument)
@@ -430,14 +436,40 @@ TEST_F(Qrmxml, TellsWhereADocumentIsWrong)
         const Result bad = run(std::string(command) + " bad.xml");
         EXPECT_EQ(bad.status, 1);
         EXPECT_EQ(bad.out, "");
-        EXPECT_EQ(bad.err, "bad.xml:3:7: error: expected entity name for reference\n");
+        EXPECT_EQ(bad.err, "bad.xml:3:7: error: expected entity name for reference\nabcd & x</a>\n      ^\n");
         for (const std::string name : {"empty.xml", "junk.xml"}) {
             const Result result = run(command + (" " + name));
             EXPECT_EQ(result.status, 1);
             EXPECT_EQ(result.out, "");
-            EXPECT_EQ(result.err, name + ":1:1: error: invalid document structure\n");
+            EXPECT_EQ(result.err, name + ":1:1: error: invalid document structure\n"
+                                      + (name == "junk.xml" ? "\\x7FELF\\x02\\x01\\x01\n^\n" : ""));
         }
     }
+}
+
+TEST_F(Qrmxml, ShowsTheLineAndThePlaceOfAnError)
+{
+    const auto excerpt = [](const std::string& content) {
+        file("x.xml", content);
+        const std::string error = run("check x.xml").err;
+        return error.substr(error.find('\n') + 1);
+    };
+    EXPECT_EQ(excerpt("<a>\r\n  <b></c>\r\n</a>"), "  <b></c>\n       ^\n") << "either line end";
+    EXPECT_EQ(excerpt("<a>\r\r<b></c></a>"), "<b></c></a>\n     ^\n");
+    EXPECT_EQ(excerpt("<a>\t\u0416<b></c></a>"), "<a>\\t\u0416<b></c></a>\n           ^\n")
+        << "what is shown counts";
+    EXPECT_EQ(excerpt("<a>\u65e5\u672c<b></c></a>"), "<a>\u65e5\u672c<b></c></a>\n            ^\n")
+        << "wide ones";
+    EXPECT_EQ(excerpt("<a>\U0001F600<b></c></a>"), "<a>\U0001F600<b></c></a>\n          ^\n") << "two units";
+    EXPECT_EQ(excerpt("\xEF\xBB\xBF<a></b>"), "<a></b>\n     ^\n") << "a mark does not count";
+    EXPECT_EQ(excerpt("<?xml version='1.0' encoding='ISO-8859-1'?><a>\xE9</b>"), "") << "not UTF-8";
+    const std::string late = excerpt("<a>" + std::string(500, 'x') + "</b>" + std::string(500, 'y'));
+    EXPECT_EQ(late, "\u2026" + std::string(57, 'x') + "</b>" + std::string(56, 'y') + "\u2026\n"
+                        + std::string(60, ' ') + "^\n");
+    EXPECT_EQ(excerpt(std::string(2 << 20, ' ') + "<a></b>"), "") << "very long";
+    EXPECT_EQ(run("check -", "printf '<a></b>' |").err, "<stdin>:1:6: error: expected end of tag 'a'\n");
+    EXPECT_EQ(run("check /dev/stdin", "printf '<a></b>' |").err,
+              "/dev/stdin:1:6: error: expected end of tag 'a'\n");
 }
 
 TEST_F(Qrmxml, ChecksManyAndGivesTheWorst)
@@ -451,7 +483,7 @@ TEST_F(Qrmxml, ChecksManyAndGivesTheWorst)
     const Result all = run("check missing.xml b.xml a.xml");
     EXPECT_EQ(all.status, 2);
     EXPECT_EQ(all.err, "missing.xml: error: No such file or directory\n"
-                       "b.xml:1:3: error: unexpected end of input\n");
+                       "b.xml:1:3: error: unexpected end of input\n<b\n  ^\n");
 }
 
 TEST_F(Qrmxml, ValidatesAgainstADtdAndASchema)
@@ -462,7 +494,8 @@ TEST_F(Qrmxml, ValidatesAgainstADtdAndASchema)
     EXPECT_EQ(run("check bad.xml").status, 0);
     const Result invalid = run("check --dtd bad.xml");
     EXPECT_EQ(invalid.status, 1);
-    EXPECT_EQ(invalid.err, "bad.xml:2:5: error: no character data is allowed by content model\n");
+    EXPECT_EQ(invalid.err,
+              "bad.xml:2:5: error: no character data is allowed by content model\n<a>x</a>\n    ^\n");
 
     file("n.xsd", "<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema'><xs:element name='n' "
                   "type='xs:int'/></xs:schema>");
@@ -471,7 +504,7 @@ TEST_F(Qrmxml, ValidatesAgainstADtdAndASchema)
     EXPECT_EQ(run("check --no-namespace-schema n.xsd five.xml").status, 0);
     const Result word = run("check --no-namespace-schema n.xsd word.xml");
     EXPECT_EQ(word.status, 1);
-    EXPECT_EQ(word.err,
+    EXPECT_EQ(firstLine(word.err),
               "word.xml:1:12: error: value 'five' does not match regular expression facet '[+\\-]?[0-9]+'\n");
     file("u.xsd", "<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema' targetNamespace='urn:u'>"
                   "<xs:element name='n' type='xs:int'/></xs:schema>");
@@ -512,7 +545,8 @@ TEST_F(Qrmxml, TellsWhatIsWrongWithASchema)
         EXPECT_EQ(missing.err, "missing.xsd: error: No such file or directory\n");
         const Result broken = run("check " + option + "broken.xsd a.xml");
         EXPECT_EQ(broken.status, 2);
-        EXPECT_EQ(broken.err, "broken.xsd:2:2: error: prefix 'xs' can not be resolved to namespace URI\n");
+        EXPECT_EQ(firstLine(broken.err),
+                  "broken.xsd:2:2: error: prefix 'xs' can not be resolved to namespace URI\n");
     }
     const Result half = run("check --schema-location urn:u a.xml");
     EXPECT_EQ(half.status, 2);
@@ -535,7 +569,7 @@ TEST_F(Qrmxml, FindsWhatADocumentNamesBesideIt)
     EXPECT_EQ(run("check --dtd --allow-external below/a.xml").status, 0);
     const Result refused = run("check --dtd below/a.xml");
     EXPECT_EQ(refused.status, 1);
-    EXPECT_EQ(refused.err,
+    EXPECT_EQ(firstLine(refused.err),
               "below/a.xml:1:28: error: unable to open DTD document 'a.dtd' (nothing that a document "
               "names is loaded without --allow-external)\n");
 }
@@ -548,7 +582,9 @@ TEST_F(Qrmxml, LoadsNothingFromOutsideUnlessAllowed)
     EXPECT_EQ(refused.status, 1);
     EXPECT_EQ(refused.out, "");
     EXPECT_EQ(refused.err, "entity.xml:1:49: error: unable to open external entity 'secret' (nothing that a "
-                           "document names is loaded without --allow-external)\n");
+                           "document names is loaded without --allow-external)\n"
+                           "<!DOCTYPE a [<!ENTITY e SYSTEM 'secret'>]><a>&e;</a>\n"
+                           "                                                ^\n");
     const Result allowed = run("tree --allow-external entity.xml");
     EXPECT_EQ(allowed.status, 0);
     EXPECT_EQ(allowed.out, "document\n"
@@ -574,8 +610,9 @@ TEST_F(Qrmxml, StopsEntitiesThatMultiply)
     file("laughs.xml", text + "]><a>&e9;</a>");
     const Result result = run("check laughs.xml");
     EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(result.err, "laughs.xml:1:535: error: parser has encountered more than '50000' entity "
-                          "expansions in the document; this is the limit imposed by the application\n");
+    const std::string report = "laughs.xml:1:535: error: parser has encountered more than '50000' entity "
+                               "expansions in the document; this is the limit imposed by the application\n";
+    EXPECT_EQ(result.err.substr(0, report.size()), report);
 }
 
 TEST_F(Qrmxml, PrintsEvents)
@@ -605,7 +642,7 @@ TEST_F(Qrmxml, PrintsEventsUpToAnError)
     const Result result = run("events a.xml");
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.out, "start a\nstart b\nend b\ntext \"\\n\"\nstart c\n");
-    EXPECT_EQ(result.err, "a.xml:2:6: error: expected end of tag 'c'\n");
+    EXPECT_EQ(firstLine(result.err), "a.xml:2:6: error: expected end of tag 'c'\n");
     EXPECT_EQ(run("events none.xml").status, 2);
     EXPECT_EQ(run("events .").status, 2);
     EXPECT_EQ(run("events -", "printf '' |").status, 1);
@@ -691,13 +728,14 @@ TEST_F(Qrmxml, StopsDocumentsThatGoTooFar)
     for (const char* const command : {"check", "events"}) {
         const Result tooDeep = run(std::string(command) + " deep.xml >/dev/null");
         EXPECT_EQ(tooDeep.status, 1);
-        EXPECT_EQ(tooDeep.err,
+        EXPECT_EQ(firstLine(tooDeep.err),
                   "deep.xml:1:30004: error: the document has more than 10000 levels of elements\n");
         const Result tooMuch = run(std::string(command) + " quadratic.xml >/dev/null");
         EXPECT_EQ(tooMuch.status, 1);
-        EXPECT_NE(tooMuch.err.find("error: the document expands to more than 100 times its size\n"),
-                  std::string::npos)
-            << tooMuch.err;
+        EXPECT_NE(
+            firstLine(tooMuch.err).find("error: the document expands to more than 100 times its size\n"),
+            std::string::npos)
+            << firstLine(tooMuch.err);
     }
 }
 
@@ -796,6 +834,40 @@ TEST_F(Qrmxml, SetsAPath)
     EXPECT_EQ(run("set c.xml x/c --text '<1>'").out,
               kHeader + std::string("<cfg><x><b/><c>&lt;1&gt;</c></x></cfg>\n"));
     EXPECT_EQ(contentOf("c.xml"), "<cfg><x><b/></x></cfg>");
+}
+
+TEST_F(Qrmxml, SetsWhereAFoundPathLeads)
+{
+    file("c.xml", "<s xmlns:p='u'><u/><u>a<i/></u><p:v>x</p:v></s>");
+    EXPECT_EQ(run("find --tag u --all --as path c.xml").out, "/s[1]/u[1]\n/s[1]/u[2]\n");
+    const std::string start = kHeader + std::string("<s xmlns:p=\"u\">");
+    EXPECT_EQ(run("set c.xml '/s[1]/u[2]' --text new").out, start + "<u/><u>new</u><p:v>x</p:v></s>\n");
+    EXPECT_EQ(run("set c.xml '/s[1]/u[1]' --attr k=v").out,
+              start + "<u k=\"v\"/><u>a<i/></u><p:v>x</p:v></s>\n");
+    EXPECT_EQ(run("set c.xml '/s[1]/p:v[1]'").out, start + "<u/><u>a<i/></u><p:v>x</p:v></s>\n");
+    EXPECT_EQ(run("set c.xml '/s[1]' --text t").out, start + "t</s>\n");
+    EXPECT_EQ(run("set c.xml '/s[1]/u[3]/w[1]' --text t").out,
+              start + "<u/><u>a<i/></u><p:v>x</p:v><u><w>t</w></u></s>\n")
+        << "the next of its name is made";
+    EXPECT_EQ(run("set c.xml \"$('" QRMXML "' find --tag i --as path c.xml)\" --text t").out,
+              start + "<u/><u>a<i>t</i></u><p:v>x</p:v></s>\n");
+    const std::pair<const char*, const char*> refused[] = {
+        {"/s[1]/u[4]", "there are only 2 elements \"u\" where the path leads, not 4"},
+        {"/t[1]/u[1]", "the document element is \"s\", so nothing is at /t[1]/u[1]"},
+        {"/s[2]", "the document element is \"s\", so nothing is at /s[2]"},
+        {"/s[1]/1x[1]", "no element or attribute can be named like that: /s[1]/1x[1]"},
+    };
+    for (const auto& [path, error] : refused) {
+        const Result result = run("set -i c.xml '" + std::string(path) + "' --text t");
+        EXPECT_EQ(result.status, 2) << path;
+        EXPECT_EQ(result.err, "qrmxml: error: " + std::string(error) + "\n");
+    }
+    for (const char* const path : {"/s[1]/u[2", "/s[1]/u[]", "/s[1]/u]2[", "/s[1]//u[2]", "/s[1]u[2]", "/[1]",
+                                   "/s[0]", "/s[-1]", "/s[99999999999999]", "/s[1x]"}) {
+        EXPECT_EQ(run("set c.xml '" + std::string(path) + "'").err,
+                  "qrmxml: error: no element or attribute can be named like that: " + std::string(path)
+                      + "\n");
+    }
 }
 
 TEST_F(Qrmxml, SetsInPlaceOrElsewhere)
@@ -957,13 +1029,17 @@ TEST_F(Qrmxml, TakesFilesThatAreNamedLikeCommands)
     EXPECT_EQ(run("check tree tree").status, 0);
 }
 
-/// What a terminal shows of a run.
-std::string onTerminal(const std::string& arguments)
+/// What a terminal of so many columns shows of a run; lines end with "\r\n". Settings come before the tool's name.
+std::string onTerminal(const std::string& arguments, const std::string& settings = "NO_COLOR=1",
+                       unsigned short columns = 80)
 {
     int terminal = -1;
-    const pid_t child = ::forkpty(&terminal, nullptr, nullptr, nullptr);
+    struct winsize size = {};
+    size.ws_col = columns;
+    size.ws_row = 24;
+    const pid_t child = ::forkpty(&terminal, nullptr, nullptr, &size);
     if (child == 0) {
-        const std::string command = "'" QRMXML "' " + arguments;
+        const std::string command = "TERM=xterm " + settings + " '" QRMXML "' " + arguments;
         ::execl("/bin/sh", "sh", "-c", command.c_str(), static_cast<char*>(nullptr));
         ::_exit(127);
     }
@@ -990,6 +1066,47 @@ TEST_F(Qrmxml, ShowsProgressOnATerminalOnly)
     EXPECT_EQ(onTerminal("check --no-progress long.xml"), "");
     EXPECT_EQ(onTerminal("check short.xml"), "");
     EXPECT_EQ(run("check long.xml").err, "");
+}
+
+TEST_F(Qrmxml, ShowsColorsOnATerminalThatHasThemUnlessToldNotTo)
+{
+    file("a.xml", "<a k='v'>t</a>");
+    file("bad.xml", "<a></b>");
+    const std::string outline =
+        "\033[2mdocument\033[0m\r\n"
+        "  \033[2melement \033[0m\033[36ma\033[0m \033[36mk\033[0m=\033[32m\"v\"\033[0m\r\n"
+        "    \033[2mtext \033[0m\033[32m\"t\"\033[0m\r\n";
+    EXPECT_EQ(onTerminal("tree a.xml", "NO_COLOR="), outline) << "empty is not set";
+    const std::string plain = "document\r\n  element a k=\"v\"\r\n    text \"t\"\r\n";
+    EXPECT_EQ(onTerminal("tree a.xml", "NO_COLOR=1"), plain);
+    EXPECT_EQ(onTerminal("tree a.xml", "NO_COLOR= TERM=dumb"), plain);
+    EXPECT_EQ(onTerminal("check bad.xml", "NO_COLOR="),
+              "bad.xml:1:6: \033[1;31merror:\033[0m expected end of tag 'a'\r\n<a></b>\r\n     ^\r\n");
+    EXPECT_EQ(onTerminal("check bad.xml", "NO_COLOR=1"),
+              "bad.xml:1:6: error: expected end of tag 'a'\r\n<a></b>\r\n     ^\r\n");
+    EXPECT_EQ(onTerminal("tree a.xml | cat", "NO_COLOR="), plain) << "no terminal";
+}
+
+TEST_F(Qrmxml, FitsTheOutlineIntoTheTerminal)
+{
+    file("a.xml", "<a name='value'><b><c>" + std::string(200, 'x')
+                      + "</c></b><d>\u65e5\u672c\u8a9e\u6587\u5b57</d></a>");
+    EXPECT_EQ(onTerminal("tree a.xml", "NO_COLOR=1", 16), "document\r\n"
+                                                          "  element a nam\u2026\r\n"
+                                                          "    element b\r\n"
+                                                          "      element c\r\n"
+                                                          "        text \"x\u2026\r\n"
+                                                          "    element d\r\n"
+                                                          "      text \"\u65e5\u2026\r\n");
+    const std::string wide = onTerminal("tree a.xml", "NO_COLOR=1", 300);
+    EXPECT_NE(wide.find("        text \"" + std::string(200, 'x') + "\"\r\n"), std::string::npos) << wide;
+    EXPECT_NE(run("tree a.xml").out.find("text \"" + std::string(60, 'x') + "...\"\n"), std::string::npos);
+}
+
+TEST_F(Qrmxml, EndsQuietlyWhenThePipeIsClosedByATerminalsPager)
+{
+    file("a.xml", "<a>" + std::string(300000, 'x') + "</a>");
+    EXPECT_EQ(onTerminal("write a.xml | head -c 5"), "<?xml");
 }
 
 } // namespace

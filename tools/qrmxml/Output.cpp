@@ -14,7 +14,17 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "tools/qrmxml/Excerpt.h"
+#include "tools/qrmxml/Terminal.h"
+
 namespace fs = std::filesystem;
+
+namespace {
+
+/// The columns of an excerpt that goes to no terminal.
+constexpr int kUnclippedWidth = 120;
+
+} // namespace
 
 void reportError(const std::string& name, const std::string& text, int line, int column)
 {
@@ -22,7 +32,13 @@ void reportError(const std::string& name, const std::string& text, int line, int
     if (line > 0) {
         place += ":" + std::to_string(line) + ":" + std::to_string(column);
     }
-    std::fprintf(stderr, "%s: error: %s\n", place.c_str(), visible(text).c_str());
+    const Terminal terminal(STDERR_FILENO);
+    std::string report =
+        place + ": " + terminal.styled("error:", Terminal::Style::kError) + " " + visible(text) + "\n";
+    if (line > 0 && name != "-") {
+        report += excerptOf(name, line, column, terminal.width() > 0 ? terminal.width() : kUnclippedWidth);
+    }
+    std::fputs(report.c_str(), stderr);
 }
 
 namespace {
@@ -110,15 +126,14 @@ std::string visible(const std::string& utf8)
     return shown;
 }
 
-std::string shortened(const I18NString& text)
+std::string shortened(const I18NString& text, int maxUnits)
 {
-    constexpr int kMaxUnits = 60;
-    if (text.length() <= kMaxUnits) {
+    if (text.length() <= maxUnits) {
         return text.toUtf8();
     }
     // Not within a surrogate pair.
-    const char16_t last = text.charAt(kMaxUnits - 1);
-    const int length = last >= 0xD800 && last <= 0xDBFF ? kMaxUnits - 1 : kMaxUnits;
+    const char16_t last = text.charAt(maxUnits - 1);
+    const int length = last >= 0xD800 && last <= 0xDBFF ? maxUnits - 1 : maxUnits;
     return text.substring(0, length).toUtf8() + "...";
 }
 

@@ -24,15 +24,19 @@ class ReaderGone
 {
 };
 
-/// Prints "NAME: error: TEXT" to standard error, with line and column where they are known (not 0).
+/// Prints "NAME: error: TEXT" to standard error, with line and column where they are known (not 0), and then with what
+/// the file of that name has at the place, if it can be shown.
 void reportError(const std::string& name, const std::string& text, int line = 0, int column = 0);
 
 /// Text for people: control characters, marks that turn the direction of writing, and bytes that are no UTF-8 as
 /// escapes.
 std::string visible(const std::string& utf8);
 
-/// The beginning of a text, 60 code units at most, with "..." where it goes on.
-std::string shortened(const I18NString& text);
+/// The code units of a text that is shown where nobody says how much room there is.
+constexpr int kShortUnits = 60;
+
+/// The beginning of a text, so many code units at most, with "..." where it goes on.
+std::string shortened(const I18NString& text, int maxUnits = kShortUnits);
 
 /// A place to write to. A regular file gets its new content when all of it is there, and stays what it was when
 /// anything fails or a signal ends the tool; pipes, devices, open descriptors (/dev/fd) and standard output ("-") are

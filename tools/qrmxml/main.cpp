@@ -228,14 +228,19 @@ int execute(int argc, char** argv)
     addAttribute(*setCommand, set.attribute, "The last element is a child with this value of the attribute")
         ->excludes(withText);
     addFile(*setCommand, set.file);
-    setCommand->add_option("PATH", set.path, "Names with / between them, from below the document element")
+    setCommand
+        ->add_option("PATH", set.path,
+                     "Names with / between them, from below the document element, or a path to one place")
         ->required()
         ->type_name("");
     setCommand->footer(
         "What is there already is found on any level below the step before; what is missing is made.\n"
+        "A PATH as find --as path prints it, such as /settings[1]/user[2], leads to one place: the element\n"
+        "there gets the text or the attribute, and is made where it is the next one of its name.\n"
         "Examples:\n"
         "  qrmxml set -i settings.xml network/proxy/port --text 8080\n"
-        "  qrmxml set in.xml users/user --attr name=anna -o out.xml");
+        "  qrmxml set in.xml users/user --attr name=anna -o out.xml\n"
+        "  qrmxml set -i in.xml \"$(qrmxml find --tag port --as path in.xml)\" --text 8080");
     setCommand->callback([&] { command = [&] { return runSet(set); }; });
 
     NamespacesOptions namespaces;
