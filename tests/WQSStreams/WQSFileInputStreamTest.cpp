@@ -1,5 +1,6 @@
 #include "WQSStreams/WQSFileInputStream.h"
 
+#include <csignal>
 #include <cstring>
 #include <fstream>
 #include <string>
@@ -7,6 +8,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/time.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -101,6 +103,30 @@ TEST(WQSFileInputStream, ReadsPastTwoGibibytes)
     }
     EXPECT_EQ(total, kFar + 3);
     EXPECT_EQ(last, "end");
+}
+
+int pipeToFill = -1;
+
+TEST(WQSFileInputStream, ReadsOnAfterASignal)
+{
+    int ends[2];
+    ASSERT_EQ(::pipe(ends), 0);
+    pipeToFill = ends[1];
+    struct sigaction action = {};
+    action.sa_handler = [](int) { [[maybe_unused]] const ssize_t length = ::write(pipeToFill, "abc", 3); };
+    struct sigaction former = {};
+    ASSERT_EQ(::sigaction(SIGALRM, &action, &former), 0);
+    WQSFileInputStream stream(("/dev/fd/" + std::to_string(ends[0])).c_str());
+    // The stream waits when the signal comes, which brings what it waits for.
+    struct itimerval soon = {};
+    soon.it_value.tv_usec = 100000;
+    ASSERT_EQ(::setitimer(ITIMER_REAL, &soon, nullptr), 0);
+    char bytes[3] = {};
+    EXPECT_EQ(stream.read(bytes, 3), 3);
+    EXPECT_EQ(std::string(bytes, 3), "abc");
+    ::sigaction(SIGALRM, &former, nullptr);
+    ::close(ends[0]);
+    ::close(ends[1]);
 }
 
 TEST(WQSFileInputStream, ReadsAPipe)

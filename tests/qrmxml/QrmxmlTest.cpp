@@ -4,6 +4,7 @@
 #include <fstream>
 #include <functional>
 #include <set>
+#include <sstream>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -1001,6 +1002,63 @@ TEST_F(Qrmxml, ExplainsItself)
         EXPECT_NE(own.out.find(std::string("Examples:\n  qrmxml ") + command), std::string::npos) << own.out;
     }
     EXPECT_EQ(run("--version").out, "qrmxml " QRMXML_VERSION "\n");
+}
+
+/// The long options in what --help prints; for all but the common ones, "OPTION" may have an argument.
+std::set<std::string> optionsIn(const std::string& help)
+{
+    std::set<std::string> options;
+    std::istringstream lines(help.substr(0, help.find("Examples:")));
+    for (std::string line; std::getline(lines, line);) {
+        const std::size_t at = line.find("--");
+        if (at != std::string::npos && line.find_first_not_of(" ") <= at
+            && line[line.find_first_not_of(" ")] == '-') {
+            options.insert(line.substr(at, line.find_first_of(" ,=", at) - at));
+        }
+    }
+    return options;
+}
+
+TEST_F(Qrmxml, HasAManualAndCompletionsThatKnowEveryOption)
+{
+    std::string manual = contentOf(QRMXML_MANUAL);
+    for (std::size_t at = 0; (at = manual.find("\\-", at)) != std::string::npos;) {
+        manual.replace(at, 2, "-");
+    }
+    const std::string zsh = contentOf(QRMXML_COMPLETIONS "/_qrmxml");
+    const std::string words = "source '" QRMXML_COMPLETIONS "/qrmxml.bash'; COMP_WORDS=(qrmxml ";
+    const auto completed = [&](const std::string& typed, int word) {
+        std::ofstream("complete.sh") << words << typed << "); COMP_CWORD=" << word
+                                     << "; _qrmxml; printf '%s\\n' \"${COMPREPLY[@]}\"";
+        EXPECT_EQ(std::system("bash complete.sh >.out"), 0);
+        std::set<std::string> result;
+        std::ifstream lines(".out");
+        for (std::string line; std::getline(lines, line);) {
+            result.insert(line);
+        }
+        return result;
+    };
+    const std::set<std::string> commands = {"write",      "check",  "find", "set",
+                                            "namespaces", "events", "url",  "tree"};
+    std::set<std::string> first = completed("''", 1);
+    first.erase("--help");
+    first.erase("--version");
+    EXPECT_EQ(first, commands);
+    for (const std::string& command : commands) {
+        EXPECT_NE(manual.find(".SS " + command + "\n"), std::string::npos) << command;
+        EXPECT_NE(zsh.find("'" + command + ":"), std::string::npos) << command;
+        const std::set<std::string> options = optionsIn(run(command + " --help").out);
+        EXPECT_GE(options.size(), 4u) << command;
+        EXPECT_EQ(completed(command + " --", 2), options) << command;
+        for (const std::string& option : options) {
+            EXPECT_NE(manual.find(option), std::string::npos) << option;
+            EXPECT_NE(zsh.find(option), std::string::npos) << option;
+        }
+    }
+    EXPECT_EQ(completed("find --as ''", 3), (std::set<std::string>{"path", "text", "xml"}));
+    EXPECT_EQ(completed("find --as pa", 3), (std::set<std::string>{"path"}));
+    file("some.xml", "");
+    EXPECT_EQ(completed("tree som", 2), (std::set<std::string>{"some.xml"}));
 }
 
 TEST_F(Qrmxml, RefusesWrongUsage)
