@@ -49,6 +49,7 @@ public:
         }
     }
 
+    /// @overload
     I18NString(const I18NString& other);
     /// Leaves the other string empty.
     I18NString(I18NString&& other) noexcept;
@@ -59,18 +60,23 @@ public:
         }
     }
 
+    /// Copies the text.
     I18NString& operator=(const I18NString& other);
+    /// @overload
     I18NString& operator=(I18NString&& other) noexcept;
 
     /// Replaces the contents by UTF-16 units, as the constructor from raw data takes them. The data may be part of this
     /// string.
     void setTo(const void* data, int lengthInBytes) { set(data, unitCount(data, lengthInBytes)); }
+    /// @overload
     void setTo(const I18NString& other) { *this = other; }
 
     /// Makes the string empty.
     void remove() { setLength(0); }
 
+    /// Whether there are no code units.
     bool empty() const { return m_length == 0; }
+    /// The number of UTF-16 code units, without the terminator.
     int length() const { return m_length; }
 
     /// The units with a zero unit after them, valid until the string changes; never null.
@@ -79,7 +85,9 @@ public:
     /// The unit at the index; 0 out of range.
     char16_t charAt(int index) const { return index >= 0 && index < m_length ? m_units[index] : char16_t(0); }
 
+    /// Puts the other string, which may be this one, at the end.
     I18NString& append(const I18NString& other);
+    /// The same as append().
     I18NString& operator+=(const I18NString& other) { return append(other); }
 
     /// The first index from `from` on at which the other string stands; -1 where it does not. A negative start is 0.
@@ -89,6 +97,7 @@ public:
     /// The last index at which the other string stands; -1 where it does not.
     int lastIndexOf(const I18NString& what) const;
 
+    /// Whether the first code units are those of the other string; every string starts with the empty one.
     bool startsWith(const I18NString& what) const;
 
     /// A piece, clipped to the string.
@@ -103,6 +112,7 @@ public:
     /// @param length where not null, gets the number of bytes, the null included
     /// @throws I18NConversionError for an unknown name and for a character that the encoding cannot express
     char* toBytes(const char* encoding, int* length, I18NAllocator allocator, void* context) const;
+    /// @overload
     char* toBytes(const I18NConverter& converter, int* length, I18NAllocator allocator, void* context) const;
 
     /// The text in UTF-8.
@@ -206,6 +216,8 @@ QRMCORE_API I18NString operator+(const I18NString& a, const I18NString& b);
 /// @throws I18NConversionError for a lone surrogate
 QRMCORE_API std::ostream& operator<<(std::ostream& stream, const I18NString& text);
 
+/// @cond
+// For std::unordered_map and the like.
 template <>
 struct std::hash<I18NString>
 {
@@ -215,5 +227,6 @@ struct std::hash<I18NString>
             std::u16string_view(text.getExternalBuffer(), static_cast<std::size_t>(text.length())));
     }
 };
+/// @endcond
 
 #endif

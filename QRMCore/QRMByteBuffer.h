@@ -10,10 +10,13 @@ class QRMCORE_API QRMByteBuffer
 {
 public:
     QRMByteBuffer();
+    /// @overload
     QRMByteBuffer(const QRMByteBuffer&);
     /// The other buffer is left empty, without storage.
     QRMByteBuffer(QRMByteBuffer&&) noexcept;
+    /// Copies the bytes.
     QRMByteBuffer& operator=(const QRMByteBuffer&);
+    /// @overload
     QRMByteBuffer& operator=(QRMByteBuffer&&) noexcept;
     ~QRMByteBuffer();
 
@@ -22,6 +25,7 @@ public:
 
     /// The storage; null while there is none. Void with the next reserve().
     char* data() { return m_storage.empty() ? nullptr : m_storage.data(); }
+    /// @overload
     const char* data() const { return m_storage.empty() ? nullptr : m_storage.data(); }
 
     /// The bytes that count.

@@ -28,6 +28,7 @@ private:
 class QRMCORE_API QRMThreadGuard
 {
 public:
+    /// Enters the section, which has to outlive the guard; waits while another thread is in it.
     explicit QRMThreadGuard(QRMThreadCriticalSection& section);
     QRMThreadGuard(const QRMThreadGuard&) = delete;
     QRMThreadGuard& operator=(const QRMThreadGuard&) = delete;

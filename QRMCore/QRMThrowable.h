@@ -11,7 +11,9 @@
 /// A place in the sources that an error came by.
 struct QRMFileLocation
 {
+    /// The base name of a source file.
     const char* fileName; // NUL-terminated, without folders
+    /// A line of it, or the number that a guard has.
     int lineNumber;
 };
 
@@ -19,20 +21,28 @@ struct QRMFileLocation
 class QRMCORE_API QRMThrowable : public std::exception
 {
 public:
+    /// A place that the error came through.
     struct BackTraceEntry
     {
+        /// The base name of a source file.
         std::string fileName;
+        /// A line of it, or the number that a guard has.
         int lineNumber;
+        /// What the place was about; mostly empty.
         std::string context;
+        /// "QRM_THROW" where the error began, "QRM_RETHROW" where it passed.
         std::string macroName;
     };
 
     /// @param text copied; null for none
     QRMThrowable(long code, const char* text);
+    /// @overload
     QRMThrowable(const QRMThrowable&);
+    /// Copies code, text and back trace.
     QRMThrowable& operator=(const QRMThrowable&);
     ~QRMThrowable() override;
 
+    /// The code that the error was made with; 0 where there is none.
     long getCode() const { return m_code; }
 
     /// The text, valid as long as this object; null where there is none.
@@ -48,6 +58,7 @@ public:
     const std::vector<BackTraceEntry>& getBackTrace() const { return m_backTrace; }
 
 protected:
+    /// The name of the class of the error.
     virtual const char* className() const noexcept;
 
 private:
@@ -60,11 +71,13 @@ private:
 class QRMCORE_API QRMAssertError : public QRMThrowable
 {
 public:
+    /// Copies code, text and back trace.
     using QRMThrowable::QRMThrowable;
     /// Adds the location to the back trace and throws a copy of this error by its own type.
     [[noreturn]] void hurl(const QRMFileLocation& location, const char* context, const char* macroName);
 
 protected:
+    /// The name of the class of the error.
     const char* className() const noexcept override;
 };
 
@@ -72,11 +85,13 @@ protected:
 class QRMCORE_API QRMSystemError : public QRMThrowable
 {
 public:
+    /// Copies code, text and back trace.
     using QRMThrowable::QRMThrowable;
     /// Adds the location to the back trace and throws a copy of this error by its own type.
     [[noreturn]] void hurl(const QRMFileLocation& location, const char* context, const char* macroName);
 
 protected:
+    /// @overload
     const char* className() const noexcept override;
 };
 
@@ -84,11 +99,13 @@ protected:
 class QRMCORE_API QRMOutOfMemoryError : public QRMThrowable
 {
 public:
+    /// Copies code, text and back trace.
     using QRMThrowable::QRMThrowable;
     /// Adds the location to the back trace and throws a copy of this error by its own type.
     [[noreturn]] void hurl(const QRMFileLocation& location, const char* context, const char* macroName);
 
 protected:
+    /// @overload
     const char* className() const noexcept override;
 };
 
@@ -96,11 +113,13 @@ protected:
 class QRMCORE_API I18NConversionError : public QRMThrowable
 {
 public:
+    /// Copies code, text and back trace.
     using QRMThrowable::QRMThrowable;
     /// Adds the location to the back trace and throws a copy of this error by its own type.
     [[noreturn]] void hurl(const QRMFileLocation& location, const char* context, const char* macroName);
 
 protected:
+    /// @overload
     const char* className() const noexcept override;
 };
 
@@ -108,11 +127,13 @@ protected:
 class QRMCORE_API QRMStdExceptionError : public QRMThrowable
 {
 public:
+    /// Takes over the text of the other error.
     explicit QRMStdExceptionError(const std::exception& error);
     /// Adds the location to the back trace and throws a copy of this error by its own type.
     [[noreturn]] void hurl(const QRMFileLocation& location, const char* context, const char* macroName);
 
 protected:
+    /// @overload
     const char* className() const noexcept override;
 };
 

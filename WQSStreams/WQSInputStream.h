@@ -32,6 +32,7 @@ public:
     /// Reads one byte, as a value from 0 to 255.
     virtual int read() = 0;
 
+    /// Gives up what the stream reads from; closing again does nothing.
     virtual void close() = 0;
 
     /// Whether unread() puts bytes back.

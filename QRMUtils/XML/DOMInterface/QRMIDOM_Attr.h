@@ -20,6 +20,7 @@ public:
 
     /// The qualified name.
     I18NString getName() const;
+    /// @overload
     void getName(I18NString& name) const;
 
     /// Whether the attribute stood in the document or was set by a caller; false for a default of the DTD or schema.
@@ -27,6 +28,7 @@ public:
 
     /// The value; empty where there is none.
     I18NString getValue() const;
+    /// @overload
     void getValue(I18NString& value) const;
 
     /// The element that has the attribute; the null handle while there is none.

@@ -29,15 +29,21 @@ public:
 
     /// The text; empty where there is none.
     I18NString getData() const;
+    /// @overload
     void getData(I18NString& data) const;
 
     /// A piece of the text.
     I18NString substringData(unsigned long offset, unsigned long count) const;
+    /// @overload
     void substringData(unsigned long offset, unsigned long count, I18NString& data) const;
 
+    /// Puts text at the end.
     void appendData(const I18NString& arg);
+    /// Puts text before the code unit at the offset, from 0; at the length it is put at the end.
     void insertData(unsigned long offset, const I18NString& arg);
+    /// Takes out so many code units from the offset on, fewer where the text ends before.
     void deleteData(unsigned long offset, unsigned long count);
+    /// Puts text in the place of so many code units from the offset on.
     void replaceData(unsigned long offset, unsigned long count, const I18NString& arg);
 };
 

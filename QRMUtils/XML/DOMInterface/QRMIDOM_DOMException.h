@@ -10,11 +10,15 @@ class QRMIDOM_API QRMIDOM_DOMException
 public:
     /// Code 0, which no operation throws.
     QRMIDOM_DOMException() = default;
+    /// @overload
     explicit QRMIDOM_DOMException(unsigned short code) : m_code(code) {}
+    /// @overload
     QRMIDOM_DOMException(const QRMIDOM_DOMException&) = default;
+    /// Copies the code.
     QRMIDOM_DOMException& operator=(const QRMIDOM_DOMException&) = default;
     virtual ~QRMIDOM_DOMException();
 
+    /// The code, as DOM Level 3 Core numbers it in ExceptionCode.
     unsigned short getCode() const { return m_code; }
 
 private:

@@ -20,10 +20,12 @@ class QRMIDOM_API QRMIDOM_DOMImplementation
 public:
     /// Holds nothing.
     QRMIDOM_DOMImplementation() = default;
+    /// @overload
     QRMIDOM_DOMImplementation(const QRMIDOM_DOMImplementation&) = default;
     /// Holds the implementation, which belongs to Xerces.
     QRMIDOM_DOMImplementation(xercesc::DOMImplementation* wrapped) : m_nodeImpl(wrapped) {}
     virtual ~QRMIDOM_DOMImplementation();
+    /// Refers to the same implementation.
     QRMIDOM_DOMImplementation& operator=(const QRMIDOM_DOMImplementation&) = default;
 
     /// Starts the library; to be called once before any other use, by one thread. Every handle, parser and exception
@@ -36,11 +38,13 @@ public:
     /// The implementation, a new handle on the same Xerces object each time.
     static QRMIDOM_DOMImplementation getInstance();
 
+    /// Xerces' implementation, which the handle does not own; null in the null handle.
     operator xercesc::DOMImplementation*() const { return m_nodeImpl; }
 
     /// Whether nothing is held; for comparison with NULL only.
     /// @throws QRMAssertError "QRM_ASSERT(nullPtr == NULL);" unless the argument is null
     bool operator==(QRMIDOM_DOMImplementation* nullPtr) const;
+    /// Whether the handle holds an implementation; the argument has to be null.
     bool operator!=(QRMIDOM_DOMImplementation* nullPtr) const;
 
     /// Whether there is such a feature in that version; an empty version stands for any.
@@ -49,8 +53,10 @@ public:
     /// A document type that belongs to no document. Give it to createDocument(), or release it through
     /// getDOM_NodeImpl()->release(); until then nobody owns it.
     QRMIDOM_DocumentType createDocumentType(const I18NString& qualifiedName) const;
+    /// @overload
     QRMIDOM_DocumentType createDocumentType(const I18NString& qualifiedName,
                                             const I18NString& publicId) const;
+    /// @overload
     QRMIDOM_DocumentType createDocumentType(const I18NString& qualifiedName, const I18NString& publicId,
                                             const I18NString& systemId) const;
 
@@ -60,8 +66,11 @@ public:
     ///        when the call fails.
     /// @throws QRMIDOM_DOMException 4 for a document type that another document has
     QRMIDOM_Document createDocument() const;
+    /// @overload
     QRMIDOM_Document createDocument(const I18NString& namespaceURI) const;
+    /// @overload
     QRMIDOM_Document createDocument(const I18NString& namespaceURI, const I18NString& qualifiedName) const;
+    /// @overload
     QRMIDOM_Document createDocument(const I18NString& namespaceURI, const I18NString& qualifiedName,
                                     const QRMIDOM_DocumentType& doctype) const;
 

@@ -47,6 +47,7 @@ public:
     /// The document type declaration; the null handle where there is none.
     QRMIDOM_DocumentType getDoctype() const;
 
+    /// The implementation that makes documents like this one.
     QRMIDOM_DOMImplementation getDOMImplementation() const;
 
     /// The root element; the null handle where there is none.
@@ -54,19 +55,29 @@ public:
 
     // Factories without namespaces: the nodes have neither namespace, prefix nor local name.
 
+    /// An element without a namespace.
     QRMIDOM_Element createElement(const I18NString& tagName);
+    /// An empty fragment.
     QRMIDOM_DocumentFragment createDocumentFragment();
+    /// A text; it may be empty.
     QRMIDOM_Text createTextNode(const I18NString& data);
+    /// A comment; it may be empty.
     QRMIDOM_Comment createComment(const I18NString& data);
+    /// A CDATA section; it may be empty.
     QRMIDOM_CDATASection createCDATASection(const I18NString& data);
+    /// A processing instruction; the data may be empty.
     QRMIDOM_ProcessingInstruction createProcessingInstruction(const I18NString& target,
                                                               const I18NString& data);
+    /// An attribute without a namespace, with an empty value.
     QRMIDOM_Attr createAttribute(const I18NString& name);
+    /// A reference, with the content of the entity where the document type has one of that name.
     QRMIDOM_EntityReference createEntityReference(const I18NString& name);
 
     // Factories with namespaces. An empty namespace URI stands for no namespace.
 
+    /// An element in a namespace, or in none for an empty URI.
     QRMIDOM_Element createElementNS(const I18NString& namespaceURI, const I18NString& qualifiedName);
+    /// An attribute in a namespace, or in none for an empty URI, with an empty value.
     QRMIDOM_Attr createAttributeNS(const I18NString& namespaceURI, const I18NString& qualifiedName);
 
     /// The elements of that qualified name in document order, "*" for all, as a live list.

@@ -10,15 +10,19 @@
 class QRMIDOM_DocumentTraversal
 {
 public:
+    /// See QRMIDOM_Document::createNodeIterator().
     virtual QRMIDOM_NodeIterator createNodeIterator(QRMIDOM_Node root, unsigned long whatToShow,
                                                     QRMIDOM_NodeFilter* filter,
                                                     int expandEntityReferences) = 0;
+    /// See QRMIDOM_Document::createTreeWalker().
     virtual QRMIDOM_TreeWalker createTreeWalker(QRMIDOM_Node root, unsigned long whatToShow,
                                                 QRMIDOM_NodeFilter* filter, int expandEntityReferences) = 0;
 
 protected:
     QRMIDOM_DocumentTraversal() = default;
+    /// @overload
     QRMIDOM_DocumentTraversal(const QRMIDOM_DocumentTraversal&) = default;
+    /// Does nothing: there is nothing to copy.
     QRMIDOM_DocumentTraversal& operator=(const QRMIDOM_DocumentTraversal&) = default;
     ~QRMIDOM_DocumentTraversal() = default;
 };

@@ -24,6 +24,7 @@ public:
 
     /// The name of the document element that the declaration gives.
     I18NString getName() const;
+    /// @overload
     void getName(I18NString& name) const;
 
     /// The general entities, internal and external, that the declaration gives; never the null map.
@@ -34,14 +35,17 @@ public:
 
     /// The public identifier of the external subset; empty where there is none.
     I18NString getPublicId() const;
+    /// @overload
     void getPublicId(I18NString& publicId) const;
 
     /// The system identifier of the external subset, as it was written; empty where there is none.
     I18NString getSystemId() const;
+    /// @overload
     void getSystemId(I18NString& systemId) const;
 
     /// The internal subset as text, put together again by the parser, without the brackets; empty where there is none.
     I18NString getInternalSubset() const;
+    /// @overload
     void getInternalSubset(I18NString& internalSubset) const;
 };
 

@@ -24,6 +24,7 @@ public:
 
     /// The qualified name.
     I18NString getTagName() const;
+    /// @overload
     void getTagName(I18NString& tagName) const;
 
     /// Whether the qualified name is this one, by code unit and without a copy.
@@ -31,6 +32,7 @@ public:
 
     /// The value of an attribute; empty where it is absent.
     I18NString getAttribute(const I18NString& name) const;
+    /// @overload
     void getAttribute(const I18NString& name, I18NString& value) const;
 
     /// Whether the attribute reads as this value, without a copy. True for the empty value where it is absent.
@@ -42,6 +44,7 @@ public:
     /// Removes the attribute, if there; a default of the DTD takes its place.
     void removeAttribute(const I18NString& name);
 
+    /// Whether there is an attribute of that qualified name, a defaulted one included.
     bool hasAttribute(const I18NString& name) const;
 
     /// The attribute as a node; the null handle where it is absent.
@@ -63,15 +66,23 @@ public:
 
     // The same by namespace. An empty namespace URI stands for no namespace.
 
+    /// The value of the attribute; empty where it is absent.
     I18NString getAttributeNS(const I18NString& namespaceURI, const I18NString& localName) const;
+    /// @overload
     void getAttributeNS(const I18NString& namespaceURI, const I18NString& localName, I18NString& value) const;
+    /// Whether the attribute has just that value; an absent one has the empty value.
     bool matchAttributeNS(const I18NString& namespaceURI, const I18NString& localName,
                           const I18NString& value) const;
+    /// Sets or makes the attribute of that namespace and local name, with the prefix of the qualified name.
     void setAttributeNS(const I18NString& namespaceURI, const I18NString& qualifiedName,
                         const I18NString& value);
+    /// Takes the attribute out; one with a declared default comes back with it. An absent one is no error.
     void removeAttributeNS(const I18NString& namespaceURI, const I18NString& localName);
+    /// Whether there is such an attribute, a defaulted one included.
     bool hasAttributeNS(const I18NString& namespaceURI, const I18NString& localName) const;
+    /// The attribute, or the null handle.
     QRMIDOM_Attr getAttributeNodeNS(const I18NString& namespaceURI, const I18NString& localName) const;
+    /// Puts the attribute in, and gives the one that it replaces, or the null handle.
     QRMIDOM_Attr setAttributeNodeNS(QRMIDOM_Attr newAttr);
     /// "*" stands for any namespace or any local name.
     QRMIDOM_NodeList getElementsByTagNameNS(const I18NString& namespaceURI,

@@ -21,14 +21,17 @@ public:
 
     /// The system identifier, as it was written; empty where there is none.
     I18NString getSystemId() const;
+    /// @overload
     void getSystemId(I18NString& systemId) const;
 
     /// The public identifier; empty where there is none.
     I18NString getPublicId() const;
+    /// @overload
     void getPublicId(I18NString& publicId) const;
 
     /// The notation of an unparsed entity; empty for a parsed one.
     I18NString getNotationName() const;
+    /// @overload
     void getNotationName(I18NString& notationName) const;
 };
 

@@ -35,8 +35,11 @@ public:
     ///         that are no QRMThrowable
     /// @throws QRMOutOfMemoryError 300 when Xerces runs out of memory
     static void write(QRMIDOM_Node node, const char* path, const char* encoding);
+    /// @overload
     static void write(QRMIDOM_Node node, std::ostream& stream, const char* encoding);
+    /// @overload
     static void write(QRMIDOM_Node node, std::FILE* file, const char* encoding);
+    /// @overload
     static void write(QRMIDOM_Node node, DomWriter& writer);
 
     // The same with namespace declarations: trees made by createElementNS() have none. An element gets the declaration
@@ -48,7 +51,9 @@ public:
     /// As write() to a file.
     /// @throws QRMSystemError, QRMOutOfMemoryError as write(), which the texts name
     static void writeNS(QRMIDOM_Node node, const char* path, const char* encoding);
+    /// @overload
     static void writeNS(QRMIDOM_Node node, std::ostream& stream, const char* encoding);
+    /// @overload
     static void writeNS(QRMIDOM_Node node, std::FILE* file, const char* encoding);
     /// @throws QRMAssertError "QRM_ASSERT(m_nodeImpl != NULL);" for the null handle, which write() passes over
     static void writeNS(QRMIDOM_Node node, DomWriter& writer);
@@ -56,7 +61,9 @@ public:
     // Text with the five markup characters replaced by entities, without header or line end. Output stops at the first
     // zero byte of the converted text, so encodings of two or four bytes a character are not for these.
 
+    /// Writes the text with the five characters of markup escaped. A null encoding is UTF-8.
     static void write(std::ostream& stream, const I18NString& text, const char* encoding);
+    /// @overload
     static void write(std::FILE* file, const I18NString& text, const char* encoding);
     /// Converts the text to the writer's encoding first; a character that it cannot express is written as a decimal
     /// character reference.
@@ -66,12 +73,15 @@ public:
 
     // Text as it is.
 
+    /// Writes the text as it is.
     static void writeNoEscape(DomWriter& writer, const I18NString& text);
+    /// @overload
     static void writeNoEscape(DomWriter& writer, const char* text);
     /// Converts to the default encoding, whatever encoding is named.
     static void writeNoEscape(std::ostream& stream, const I18NString& text, const char* encoding);
     /// Writes the NUL-terminated bytes, whatever encoding is named.
     static void writeNoEscape(std::ostream& stream, const char* text, const char* encoding);
+    /// @overload
     static void writeNoEscape(std::FILE* file, const char* text, const char* encoding);
 
     /// The index of the first byte of `<`, `>`, `&`, `'` and `"` from start, below end; -1 where there is none. A zero
@@ -82,6 +92,7 @@ public:
     // anything inside an entity reference. They give the first match, sharing the document of the start node, or the
     // null handle; a null start throws QRMAssertError. Tag names are qualified names: "x:a" is not "a".
 
+    /// The first element of that qualified name.
     static QRMIDOM_Element findFirstElement(QRMIDOM_Node start, const I18NString& tagName);
 
     /// With an attribute of this value. An absent attribute has the empty value.
@@ -110,6 +121,7 @@ public:
     /// long as it is in use.
     static QRMIDOM_Element findChildElement(QRMIDOM_Node start, const I18NString& tagName);
 
+    /// The first child element of that qualified name with this value of the attribute.
     static QRMIDOM_Element findChildElementWithAttribute(QRMIDOM_Node start, const I18NString& tagName,
                                                          const I18NString& attrName,
                                                          const I18NString& attrValue);

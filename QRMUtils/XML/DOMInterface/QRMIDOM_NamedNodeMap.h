@@ -20,6 +20,7 @@ public:
     /// Holds the Xerces object, without a share in its document.
     QRMIDOM_NamedNodeMap(xercesc::DOMNamedNodeMap* wrapped) : m_nodeImpl(wrapped) {}
 
+    /// @overload
     QRMIDOM_NamedNodeMap(const QRMIDOM_NamedNodeMap& other);
     virtual ~QRMIDOM_NamedNodeMap();
 
@@ -33,6 +34,7 @@ public:
     /// Whether nothing is held; for comparison with NULL only.
     /// @throws QRMAssertError "QRM_ASSERT(nullPtr == NULL);" unless the argument is null
     bool operator==(QRMIDOM_NamedNodeMap* nullPtr) const;
+    /// Whether the handle holds a map; the argument has to be null.
     bool operator!=(QRMIDOM_NamedNodeMap* nullPtr) const;
 
     /// The holder this shares, null where it shares none.
@@ -42,6 +44,7 @@ public:
     /// @throws QRMAssertError "QRM_ASSERT(refCountedNodeImpl);" on null
     void setRefCountedNodeImpl(RefCounted_DOMNode* refCountedNodeImpl);
 
+    /// The node of that qualified name, or the null handle.
     QRMIDOM_Node getNamedItem(const I18NString& name) const;
 
     /// Adds the node under its name.
@@ -57,12 +60,16 @@ public:
 
     /// The node at an index from 0; the null handle from the length on.
     QRMIDOM_Node item(unsigned long index) const;
+    /// The number of nodes.
     unsigned long getLength() const;
 
     // The same by namespace. An empty namespace URI stands for no namespace.
 
+    /// The node of that namespace, empty for none, and local name, or the null handle.
     QRMIDOM_Node getNamedItemNS(I18NString& namespaceURI, I18NString& localName) const;
+    /// Puts a node in by its namespace and local name, and gives the one that it replaces, or the null handle.
     QRMIDOM_Node setNamedItemNS(QRMIDOM_Node node);
+    /// Takes a node out and gives it.
     QRMIDOM_Node removeNamedItemNS(const I18NString& namespaceURI, const I18NString& localName);
 
 private:

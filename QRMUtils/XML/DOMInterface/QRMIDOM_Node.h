@@ -76,20 +76,26 @@ public:
 
     /// Whether both hold the same node, or none.
     bool operator==(const QRMIDOM_Node& other) const { return m_nodeImpl == other.m_nodeImpl; }
+    /// Whether the handles hold different nodes.
     bool operator!=(const QRMIDOM_Node& other) const { return m_nodeImpl != other.m_nodeImpl; }
 
     /// Whether this is the null handle; for comparison with NULL only.
     /// @throws QRMAssertError "QRM_ASSERT(nodePrt == NULL);" unless the argument is null
     bool operator==(const QRMIDOM_Node* nodePrt) const;
+    /// @overload
     bool operator!=(const QRMIDOM_Node* nodePrt) const;
 
+    /// Whether the handle holds no node.
     bool isNull() const { return m_nodeImpl == nullptr; }
 
     /// The wrapped node, null for the null handle; it stays its document's.
     operator xercesc::DOMNode*() const { return m_nodeImpl; }
+    /// Xerces' node, which the handle's document owns; null in the null handle.
     xercesc::DOMNode* getDOM_NodeImpl() const { return m_nodeImpl; }
 
+    /// The handle itself.
     QRMIDOM_Node* operator->() { return this; }
+    /// @overload
     const QRMIDOM_Node* operator->() const { return this; }
 
     /// Points the handle at another node, or at none; its share stays what it is and nothing is adopted.
@@ -104,10 +110,12 @@ public:
 
     /// The node's name as DOM Level 3 Core gives it for its type; "#text" for a text node, for example.
     I18NString getNodeName() const;
+    /// @overload
     void getNodeName(I18NString& name) const;
 
     /// The node's value; empty for the types that have none.
     I18NString getNodeValue() const;
+    /// @overload
     void getNodeValue(I18NString& value) const;
 
     /// Changes the value; does nothing on the types that have none.
@@ -119,10 +127,15 @@ public:
 
     // Navigation: the null handle, still sharing the document, where there is no such node.
 
+    /// The parent; null for documents, attributes and what is in no tree.
     QRMIDOM_Node getParentNode() const;
+    /// The first child, or the null handle.
     QRMIDOM_Node getFirstChild() const;
+    /// The last child, or the null handle.
     QRMIDOM_Node getLastChild() const;
+    /// The node before this one below the same parent, or the null handle.
     QRMIDOM_Node getPreviousSibling() const;
+    /// The node behind this one below the same parent, or the null handle.
     QRMIDOM_Node getNextSibling() const;
 
     /// The children as a live list. Its length and items are counted from the first child each time: to visit all
@@ -156,6 +169,7 @@ public:
     /// @throws QRMIDOM_DOMException as insertBefore
     QRMIDOM_Node appendChild(QRMIDOM_Node newChild);
 
+    /// Whether there are children.
     bool hasChildNodes() const;
 
     /// A copy without a parent; with its subtree where deep is not 0. The copy of a document is a new document. The
@@ -173,26 +187,34 @@ public:
 
     /// The namespace URI; empty where there is none.
     I18NString getNamespaceURI() const;
+    /// @overload
     void getNamespaceURI(I18NString& namespaceURI) const;
 
     /// The namespace prefix; empty where there is none.
     I18NString getPrefix() const;
+    /// @overload
     void getPrefix(I18NString& prefix) const;
 
     /// The local name; empty on nodes made without namespaces.
     I18NString getLocalName() const;
+    /// @overload
     void getLocalName(I18NString& localName) const;
 
     // Comparison by code unit, without a copy; none (null) equals the empty string.
 
+    /// Whether the name is that one, without making a string; an absent name is empty.
     bool matchNodeName(const I18NString& name) const;
+    /// Whether the namespace is that one, without making a string; no namespace is empty.
     bool matchNamespaceURI(const I18NString& namespaceURI) const;
+    /// Whether the local name is that one, without making a string; an absent one is empty.
     bool matchLocalName(const I18NString& localName) const;
 
 protected:
     friend struct qrm::Sharing;
 
+    /// The node; null in the null handle.
     xercesc::DOMNode* m_nodeImpl = nullptr;
+    /// What the handle shares; null where it shares nothing.
     RefCounted_DOMNode* m_refCountedNodeImpl = nullptr;
 
 private:

@@ -19,6 +19,7 @@ public:
     /// Holds the Xerces object, without a share in its document.
     QRMIDOM_NodeIterator(xercesc::DOMNodeIterator* wrapped) : m_nodeImpl(wrapped) {}
 
+    /// @overload
     QRMIDOM_NodeIterator(const QRMIDOM_NodeIterator& other);
     virtual ~QRMIDOM_NodeIterator() noexcept(false);
 
@@ -32,6 +33,7 @@ public:
     /// Whether nothing is held; for comparison with NULL only.
     /// @throws QRMAssertError "QRM_ASSERT(nullPtr == NULL);" unless the argument is null
     bool operator==(QRMIDOM_NodeIterator* nullPtr) const;
+    /// Whether the handle holds an iterator; the argument has to be null.
     bool operator!=(QRMIDOM_NodeIterator* nullPtr) const;
 
     /// Always the null handle: callers keep the root themselves.
@@ -39,6 +41,7 @@ public:
 
     /// The node types shown, as the mask the iterator was made with.
     unsigned long getWhatToShow() const;
+    /// 1 where the content of entity references is visited, 0 where it is not.
     bool getExpandEntityReference() const;
 
     /// The next node; the null handle at the end.

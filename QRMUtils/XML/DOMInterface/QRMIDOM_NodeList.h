@@ -19,6 +19,7 @@ public:
     /// Holds the Xerces object, without a share in its document.
     QRMIDOM_NodeList(xercesc::DOMNodeList* wrapped) : m_nodeImpl(wrapped) {}
 
+    /// @overload
     QRMIDOM_NodeList(const QRMIDOM_NodeList& other);
     virtual ~QRMIDOM_NodeList();
 
@@ -31,11 +32,13 @@ public:
 
     /// Whether both are the very same list of Xerces.
     bool operator==(const QRMIDOM_NodeList& other) const { return m_nodeImpl == other.m_nodeImpl; }
+    /// Whether the handles hold different lists.
     bool operator!=(const QRMIDOM_NodeList& other) const { return m_nodeImpl != other.m_nodeImpl; }
 
     /// Whether nothing is held; for comparison with NULL only.
     /// @throws QRMAssertError "QRM_ASSERT(nullPtr == NULL);" unless the argument is null
     bool operator==(QRMIDOM_NodeList* nullPtr) const;
+    /// @overload
     bool operator!=(QRMIDOM_NodeList* nullPtr) const;
 
     /// The holder this shares, null where it shares none.
@@ -47,6 +50,7 @@ public:
 
     /// The node at an index from 0; the null handle from the length on.
     QRMIDOM_Node item(unsigned long index) const;
+    /// The number of nodes, counted anew where the tree has changed.
     unsigned long getLength() const;
 
     /// The wrapped Xerces list.

@@ -21,10 +21,12 @@ public:
 
     /// The public identifier; empty where there is none.
     I18NString getPublicId() const;
+    /// @overload
     void getPublicId(I18NString& publicId) const;
 
     /// The system identifier, as it was written; empty where there is none.
     I18NString getSystemId() const;
+    /// @overload
     void getSystemId(I18NString& systemId) const;
 };
 

@@ -44,6 +44,7 @@ public:
 
     /// Parses what the stream delivers from where it stands up to its end; it stays the caller's.
     int parse(std::istream& in, QRMIDOM_Document& doc);
+    /// @overload
     int parse(WQSInputStream& in, QRMIDOM_Document& doc);
 
     /// Parses any source of Xerces. The other forms all end here.
@@ -61,12 +62,14 @@ public:
 
     /// What Xerces said of the last failure; empty before the first one.
     I18NString errorString() const { return m_errorText; }
+    /// @overload
     void errorString(I18NString& out) const { out = m_errorText; }
 
     // Settings. They hold from the next parse on; flags are 0 or not 0.
 
     /// Whether documents are validated against their DTD or schema; off at first.
     int getDoValidation() const;
+    /// Whether documents are validated: 1 always, 0 never.
     void setDoValidation(int flag);
 
     /// Whether a DTD that stands outside the document is loaded when not validating; on at first.
@@ -74,6 +77,7 @@ public:
 
     /// Whether schemas are processed; off at first.
     int getDoSchema() const;
+    /// Whether schemas are used: 1 or 0.
     void setDoSchema(int flag);
 
     /// Pairs of namespace URI and schema location, separated by blanks, for elements in namespaces; null for none. In

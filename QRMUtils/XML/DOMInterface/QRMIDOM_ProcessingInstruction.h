@@ -22,10 +22,12 @@ public:
 
     /// The first name after the opening mark.
     I18NString getTarget() const;
+    /// @overload
     void getTarget(I18NString& target) const;
 
     /// What follows the target and white space; empty where there is nothing.
     I18NString getData() const;
+    /// @overload
     void getData(I18NString& data) const;
 };
 

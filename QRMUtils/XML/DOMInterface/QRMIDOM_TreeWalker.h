@@ -20,6 +20,7 @@ public:
     /// Holds the Xerces object, without a share in its document.
     QRMIDOM_TreeWalker(xercesc::DOMTreeWalker* wrapped) : m_nodeImpl(wrapped) {}
 
+    /// @overload
     QRMIDOM_TreeWalker(const QRMIDOM_TreeWalker& other);
     virtual ~QRMIDOM_TreeWalker();
 
@@ -33,6 +34,7 @@ public:
     /// Whether nothing is held; for comparison with NULL only.
     /// @throws QRMAssertError "QRM_ASSERT(nullPtr == NULL);" unless the argument is null
     bool operator==(QRMIDOM_TreeWalker* nullPtr) const;
+    /// Whether the handle holds a walker; the argument has to be null.
     bool operator!=(QRMIDOM_TreeWalker* nullPtr) const;
 
     /// The holder this shares, null where it shares none.
@@ -47,17 +49,25 @@ public:
 
     /// The node types shown, as the mask the walker was made with.
     unsigned long getWhatToShow() const;
+    /// 1 where the content of entity references is visited, 0 where it is not.
     bool getExpandEntityReferences() const;
 
     /// The node the walker stands on; at first its root.
     QRMIDOM_Node getCurrentNode() const;
 
+    /// Moves to the nearest visible ancestor within the root and gives it; null where there is none, and the walker stays.
     QRMIDOM_Node parentNode();
+    /// Moves to the first visible child.
     QRMIDOM_Node firstChild();
+    /// Moves to the last visible child.
     QRMIDOM_Node lastChild();
+    /// Moves to the visible sibling before.
     QRMIDOM_Node previousSibling();
+    /// Moves to the visible sibling behind.
     QRMIDOM_Node nextSibling();
+    /// Moves to the visible node before in document order.
     QRMIDOM_Node previousNode();
+    /// Moves to the visible node behind in document order.
     QRMIDOM_Node nextNode();
 
 private:

@@ -10,6 +10,7 @@ template <class Handle, class Xerces, class Base = QRMIDOM_Node>
 class QRMIDOM_TypedNode : public Base
 {
 public:
+    /// The class between QRMIDOM_Node and a handle of one kind.
     using TypedNode = QRMIDOM_TypedNode;
 
     /// The null handle.
@@ -31,10 +32,13 @@ public:
     /// The wrapped node, null for the null handle; it stays its document's.
     operator Xerces*() const { return dom(); }
 
+    /// The handle itself.
     Handle* operator->() { return static_cast<Handle*>(this); }
+    /// @overload
     const Handle* operator->() const { return static_cast<const Handle*>(this); }
 
 protected:
+    /// @overload
     Xerces* dom() const { return static_cast<Xerces*>(this->m_nodeImpl); }
 };
 

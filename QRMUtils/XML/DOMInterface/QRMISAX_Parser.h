@@ -26,6 +26,7 @@ XERCES_CPP_NAMESPACE_END
 class QRMIDOM_API BinStreamInputStream : public xercesc::BinInputStream
 {
 public:
+    /// Reads from the stream, which has to outlive this.
     explicit BinStreamInputStream(std::istream& stream);
     ~BinStreamInputStream() override;
 
@@ -47,6 +48,7 @@ private:
 class QRMIDOM_API StreamInputSource : public xercesc::InputSource
 {
 public:
+    /// Reads from the stream, which has to outlive this.
     explicit StreamInputSource(std::istream& stream);
     ~StreamInputSource() override;
 
@@ -66,31 +68,50 @@ public:
     explicit DefaultHandlerImpl(QRMISAX_Parser* owner);
     ~DefaultHandlerImpl() override;
 
+    /// Leaves the entity to Xerces: gives null.
     xercesc::InputSource* resolveEntity(const XMLCh* const publicId, const XMLCh* const systemId) override;
+    /// Calls characterData().
     void characters(const XMLCh* const chars, const XMLSize_t length) override;
+    /// Does nothing.
     void endDocument() override;
+    /// Calls endElement() of the parser.
     void endElement(const XMLCh* const uri, const XMLCh* const localname, const XMLCh* const qname) override;
+    /// Calls characterData().
     void ignorableWhitespace(const XMLCh* const chars, const XMLSize_t length) override;
+    /// Calls processingInstruction() of the parser.
     void processingInstruction(const XMLCh* const target, const XMLCh* const data) override;
+    /// Does nothing.
     void resetDocument() override;
+    /// Does nothing.
     void setDocumentLocator(const xercesc::Locator* const locator) override;
+    /// Does nothing.
     void startDocument() override;
+    /// Calls startElement() of the parser.
     void startElement(const XMLCh* const uri, const XMLCh* const localname, const XMLCh* const qname,
                       const xercesc::Attributes& attrs) override;
+    /// Calls startNamespaceDecl().
     void startPrefixMapping(const XMLCh* const prefix, const XMLCh* const uri) override;
+    /// Calls endNamespaceDecl().
     void endPrefixMapping(const XMLCh* const prefix) override;
+    /// Does nothing.
     void skippedEntity(const XMLCh* const name) override;
     /// @throws xercesc::SAXParseException a copy: the first error ends the parse
     [[noreturn]] void error(const xercesc::SAXParseException& exc) override;
     /// @throws xercesc::SAXParseException a copy
     [[noreturn]] void fatalError(const xercesc::SAXParseException& exc) override;
+    /// Does nothing.
     void warning(const xercesc::SAXParseException& exc) override;
+    /// Called when a parse begins.
     void resetErrors() override;
+    /// Does nothing.
     void notationDecl(const XMLCh* const name, const XMLCh* const publicId,
                       const XMLCh* const systemId) override;
+    /// Does nothing.
     void resetDocType() override;
+    /// Does nothing.
     void unparsedEntityDecl(const XMLCh* const name, const XMLCh* const publicId, const XMLCh* const systemId,
                             const XMLCh* const notationName) override;
+    /// Calls comment() of the parser.
     void comment(const XMLCh* const chars, const XMLSize_t length) override;
 
 private:
@@ -124,11 +145,13 @@ public:
         FEATURE_DYNAMIC = 6
     };
 
+    /// What setProperty() sets.
     enum SAXProperty
     {
         PROPERTY_EXTERNAL_SCHEMA_LOCATION = 0
     };
 
+    /// What setParamEntityParsing() takes.
     enum ParamEntityParsing
     {
         PARAM_ENTITY_PARSING_NEVER = 0,
@@ -147,12 +170,14 @@ public:
 
     /// @param atts name, value, name, value, ... in the order of the document, then null
     virtual void startElement(const char* name, const char** atts);
+    /// The end of an element, an empty one too. The name is that of its start.
     virtual void endElement(const char* name);
     /// Never called.
     virtual void notationDecl(const char* notationName, const char* base, const char* systemId,
                               const char* publicId);
     /// @param data empty where there is none
     virtual void processingInstruction(const char* target, const char* data);
+    /// A comment, also one in the DTD, without its marks.
     virtual void comment(const char* data);
     /// Never called: what is in a CDATA section is text.
     virtual void startCDataSection();
@@ -191,6 +216,7 @@ public:
 
     /// Parses what the stream has from its current position on, as StreamInputSource tells.
     int parse(std::istream& in);
+    /// @overload
     int parse(WQSInputStream& in);
 
     // Settings. They hold from the next parse on.
@@ -217,18 +243,26 @@ public:
     // What documents from anywhere may not do, as the settings of the same names of QRMIDOM_Parser tell. They give 1, or
     // 0 during a parse.
 
+    /// See QRMIDOM_Parser::setLoadExternalDTD().
     int setLoadExternalDTD(int flag);
+    /// See QRMIDOM_Parser::setRefuseExternal().
     int setRefuseExternal(int flag);
+    /// See QRMIDOM_Parser::setEntityExpansionLimit().
     int setEntityExpansionLimit(unsigned int limit);
+    /// See QRMIDOM_Parser::setDepthLimit().
     int setDepthLimit(unsigned int levels);
+    /// See QRMIDOM_Parser::setAmplificationLimit().
     int setAmplificationLimit(unsigned int factor, unsigned long from = 8UL << 20);
 
     // The record of the last failure. A parse sets the code to 0 when it begins and leaves the rest.
 
     /// 0 for none; -1 for a document that is wrong; -5 for a name that is too long; or the code of Xerces.
     int getErrorCode() const { return m_errorCode; }
+    /// Sets the code of the record.
     void setErrorCode(int code) { m_errorCode = code; }
+    /// The line of the last failure, from 1; 0 where it has none.
     int getCurrentLineNumber() const { return m_lineNumber; }
+    /// The column of the last failure, from 1; 0 where it has none.
     int getCurrentColumnNumber() const { return m_columnNumber; }
     /// Always 0.
     int getCurrentByteIndex() const { return 0; }

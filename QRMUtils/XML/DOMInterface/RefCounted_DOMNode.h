@@ -16,6 +16,7 @@ public:
     RefCounted_DOMNode(const RefCounted_DOMNode&) = delete;
     RefCounted_DOMNode& operator=(const RefCounted_DOMNode&) = delete;
 
+    /// Takes one more reference.
     void addReference() { ++m_count; }
 
     /// Gives up one reference and releases the node when it was the last one. The holder itself stays: the handle

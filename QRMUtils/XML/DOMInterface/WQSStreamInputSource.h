@@ -12,6 +12,7 @@
 class QRMIDOM_API BinWQSInputStream : public xercesc::BinInputStream
 {
 public:
+    /// Reads from the stream, which has to outlive this.
     explicit BinWQSInputStream(WQSInputStream& stream);
     ~BinWQSInputStream() override;
 
@@ -34,6 +35,7 @@ private:
 class QRMIDOM_API WQSStreamInputSource : public xercesc::InputSource
 {
 public:
+    /// Reads from the stream, which has to outlive this.
     explicit WQSStreamInputSource(WQSInputStream& stream);
     ~WQSStreamInputSource() override;
 

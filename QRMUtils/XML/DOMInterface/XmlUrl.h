@@ -47,6 +47,7 @@ class QRMIDOM_API XmlUrl
 public:
     /// The empty URL, which is relative.
     XmlUrl();
+    /// @overload
     XmlUrl(const I18NString& url);
     /// In the local code page, UTF-8.
     XmlUrl(const char* url);
@@ -54,20 +55,30 @@ public:
     // A reference and the base that it is resolved against. The base comes first; it has to be absolute, or empty as a
     // string of 16-bit units, for none.
 
+    /// @overload
     XmlUrl(const I18NString& base, const I18NString& relative);
+    /// @overload
     XmlUrl(const char* base, const char* relative);
+    /// @overload
     XmlUrl(const I18NString& base, const char* relative);
 
+    /// @overload
     XmlUrl(const XmlUrl& other);
+    /// Copies the URL.
     XmlUrl& operator=(const XmlUrl& other);
     virtual ~XmlUrl();
 
     // Another URL in place of this one, as the constructors make it.
 
+    /// Takes another URL; after an error this one is empty.
     void setUrl(const I18NString& url);
+    /// @overload
     void setUrl(const char* url);
+    /// @overload
     void setUrl(const I18NString& base, const I18NString& relative);
+    /// @overload
     void setUrl(const char* base, const char* relative);
+    /// @overload
     void setUrl(const I18NString& base, const char* relative);
 
     /// XMLURL::Unknown for a relative URL.
@@ -78,11 +89,17 @@ public:
 
     // Empty where the URL has no such thing.
 
+    /// The host, without the port.
     I18NString getHost() const;
+    /// The user before the host.
     I18NString getUser() const;
+    /// The password behind the user's name.
     I18NString getPassword() const;
+    /// The path, escapes and all.
     I18NString getPath() const;
+    /// What stands behind the "?".
     I18NString getQuery() const;
+    /// What stands behind the "#".
     I18NString getFragment() const;
 
     /// All of it.
@@ -93,6 +110,7 @@ public:
 
     /// Whether all parts are equal, in upper and lower case as well. A port that is named differs from none.
     bool operator==(const XmlUrl& other) const;
+    /// Whether a part of the URLs differs.
     bool operator!=(const XmlUrl& other) const;
 
     /// Opens the content: a file, or what a server gives.
