@@ -51,7 +51,7 @@ function(qrm_library target)
                    LINKER_LANGUAGE CXX
                    VERSION ${PROJECT_VERSION}
                    SOVERSION ${PROJECT_VERSION_MAJOR}
-                   INSTALL_RPATH "$ORIGIN"
+                   INSTALL_RPATH "${QRM_LIBRARY_RPATH}"
                    VERIFY_INTERFACE_HEADER_SETS ON)
     install(
         TARGETS ${target}
