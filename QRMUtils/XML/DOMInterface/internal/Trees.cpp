@@ -134,11 +134,16 @@ public:
     {
     }
 
+    /// What stands below a document, its doctype too.
+    DOMNode* documentChild(const DOMNode* node) const
+    {
+        return node->getNodeType() == DOMNode::DOCUMENT_TYPE_NODE
+                   ? doctype(static_cast<const xercesc::DOMDocumentType*>(node))
+                   : tree(node);
+    }
+
     DOMNode* tree(const DOMNode* node) const
     {
-        if (node->getNodeType() == DOMNode::DOCUMENT_TYPE_NODE && m_clonesDocument) {
-            return doctype(static_cast<const xercesc::DOMDocumentType*>(node));
-        }
         DOMNode* const result = alone(node);
         if (hasChildren(node)) {
             copyChildren(
@@ -221,7 +226,7 @@ DOMNode* cloneDocument(const DOMNode* node)
     try {
         for (const DOMNode* child = node->getFirstChild(); child != nullptr;
              child = child->getNextSibling()) {
-            document->appendChild(importer.tree(child));
+            document->appendChild(importer.documentChild(child));
         }
     } catch (...) {
         document->release();
