@@ -4,6 +4,7 @@
 
 #include <xercesc/dom/impl/DOMDocumentTypeImpl.hpp>
 #include <xercesc/dom/impl/DOMEntityImpl.hpp>
+#include <xercesc/util/OutOfMemoryException.hpp>
 
 #include "QRMUtils/XML/DOMInterface/internal/Links.h"
 
@@ -324,6 +325,16 @@ void forEachChild(DOMNode* root, Visit&& visit)
     }
 }
 
+/// Releases a node. Xerces may lack the memory for noting that its place is free; the place is the document's all the
+/// same, and only does not serve again.
+void releaseAlone(DOMNode* node)
+{
+    try {
+        node->release();
+    } catch (const xercesc::OutOfMemoryException&) { // NOLINT(bugprone-empty-catch): nothing is lost
+    }
+}
+
 /// The first child in the fields of the node; null where it has no such field.
 DOMNode** firstChildField(DOMNode* node)
 {
@@ -396,7 +407,7 @@ void releaseTree(DOMNode* node)
 {
     DOMNode** const firstChild = firstChildField(node);
     if (firstChild == nullptr || parentOf(node) != nullptr) {
-        node->release();
+        releaseAlone(node);
         return;
     }
     // The siblings of what is to be released are chained: a node puts its children in front and goes.
@@ -409,7 +420,7 @@ void releaseTree(DOMNode* node)
             waiting = first;
             *children = nullptr;
         }
-        node->release();
+        releaseAlone(node);
         if (waiting == nullptr) {
             return;
         }
