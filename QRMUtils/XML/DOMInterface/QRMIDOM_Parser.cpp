@@ -1,7 +1,5 @@
 #include "QRMUtils/XML/DOMInterface/QRMIDOM_Parser.h"
 
-#include <algorithm>
-#include <limits>
 #include <memory>
 #include <optional>
 
@@ -17,12 +15,15 @@
 #include "QRMUtils/XML/DOMInterface/QRMIDOM_XercesHelper.h"
 #include "QRMUtils/XML/DOMInterface/QRMISAX_Parser.h"
 #include "QRMUtils/XML/DOMInterface/WQSStreamInputSource.h"
+#include "QRMUtils/XML/DOMInterface/internal/ErrorRecord.h"
 #include "QRMUtils/XML/DOMInterface/internal/LimitedParser.h"
 #include "QRMUtils/XML/DOMInterface/internal/LinkingParser.h"
 #include "QRMUtils/XML/DOMInterface/internal/SchemasOnly.h"
 #include "QRMUtils/XML/DOMInterface/internal/Sharing.h"
 #include "WQSStreams/WQSFileInputStream.h"
 
+using qrm::kParseError;
+using qrm::narrowed;
 using xercesc::InputSource;
 using xercesc::SAXParseException;
 using xercesc::XercesDOMParser;
@@ -30,13 +31,7 @@ using xercesc::XMLPlatformUtils;
 
 namespace {
 
-constexpr int kParseError = -1;
 constexpr int kCacheGrammars = 1;
-
-int narrowed(XMLFileLoc position)
-{
-    return static_cast<int>(std::min<XMLFileLoc>(position, std::numeric_limits<int>::max()));
-}
 
 } // namespace
 

@@ -25,6 +25,7 @@
 #include "QRMCore/internal/UnitLength.h"
 #include "QRMUtils/XML/DOMInterface/WQSStreamInputSource.h"
 #include "QRMUtils/XML/DOMInterface/XmlUrl.h"
+#include "QRMUtils/XML/DOMInterface/internal/ErrorRecord.h"
 #include "QRMUtils/XML/DOMInterface/internal/EventStrings.h"
 #include "QRMUtils/XML/DOMInterface/internal/Guards.h"
 #include "QRMUtils/XML/DOMInterface/internal/Limits.h"
@@ -159,31 +160,32 @@ public:
 private:
     void endElement(const XMLCh* uri, const XMLCh* name);
 
-    QRMISAX_Parser& m_parser;
-    DefaultHandlerImpl& m_handler;
-    bool m_isDirect = false;
-    XMLSize_t m_openElements = 0;
-    std::vector<std::u16string> m_prefixes; // declared by the open elements
-    std::vector<XMLSize_t> m_prefixCounts;  // how many of them by each one
     const XMLCh* namedSchemas() const override
     {
         return static_cast<const XMLCh*>(getProperty(XMLUni::fgXercesSchemaExternalSchemaLocation));
     }
     const XMLCh* namedNoNamespaceSchema() const override { return nullptr; }
 
+    QRMISAX_Parser& m_parser;
+    DefaultHandlerImpl& m_handler;
     xercesc::SecurityManager m_securityManager;
     unsigned int m_expansionLimit = 0;
     bool m_isParsing = false;
     bool m_isLimited = false;
+    bool m_isDirect = false;
+    XMLSize_t m_openElements = 0;
+    std::vector<std::u16string> m_prefixes; // declared by the open elements
+    std::vector<XMLSize_t> m_prefixCounts;  // how many of them by each one
 };
 
 } // namespace qrm
 
 using qrm::EventReader;
+using qrm::kParseError;
+using qrm::narrowed;
 
 namespace {
 
-constexpr int kParseError = -1;
 constexpr int kNameTooLong = -5;
 constexpr std::size_t kLongestName = 3840;
 constexpr unsigned int kLastUrlProtocol = 3;
@@ -206,11 +208,6 @@ const XMLCh* featureName(QRMISAX_Parser::SAXFeature feature)
 {
     const auto number = static_cast<unsigned int>(feature);
     return number < std::size(kFeatures) ? kFeatures[number] : nullptr;
-}
-
-int narrowed(XMLFileLoc position)
-{
-    return static_cast<int>(std::min<XMLFileLoc>(position, std::numeric_limits<int>::max()));
 }
 
 /// Frees what XMLString made.

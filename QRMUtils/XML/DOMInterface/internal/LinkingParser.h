@@ -11,6 +11,7 @@
 #include <xercesc/util/XMLUniDefs.hpp>
 
 #include "QRMUtils/XML/DOMInterface/internal/Links.h"
+#include "QRMUtils/XML/DOMInterface/internal/Strings.h"
 #include "QRMUtils/XML/DOMInterface/internal/Trees.h"
 
 namespace qrm {
@@ -146,7 +147,7 @@ private:
     xercesc::DOMElement* makeElement(const XMLCh* localName, unsigned int uriId, const XMLCh* prefix)
     {
         const XMLCh* const uri = uriText(uriId);
-        if (uri == nullptr || prefix == nullptr || *prefix == 0) {
+        if (uri == nullptr || isEmpty(prefix)) {
             return this->createElementNS(uri, nullptr, localName, localName);
         }
         xercesc::XMLBufBid qualifiedName(&this->fBufMgr);
@@ -166,8 +167,7 @@ private:
     {
         const XMLCh* const prefix = given.getPrefix();
         const bool isDefaultDeclaration =
-            (prefix == nullptr || *prefix == 0)
-            && xercesc::XMLString::equals(given.getName(), xercesc::XMLUni::fgXMLNSString);
+            isEmpty(prefix) && xercesc::XMLString::equals(given.getName(), xercesc::XMLUni::fgXMLNSString);
         const unsigned int uriId =
             isDefaultDeclaration ? this->fScanner->getXMLNSNamespaceId() : given.getURIId();
         auto* const attribute = static_cast<xercesc::DOMAttrImpl*>(

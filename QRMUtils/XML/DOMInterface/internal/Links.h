@@ -69,18 +69,25 @@ inline xercesc::DOMNode* parentOf(const xercesc::DOMNode* node)
     return links->isOwned() ? links->fOwnerNode : nullptr;
 }
 
-/// Gives a node that is new, of a type with those fields, to a parent without children.
+/// Makes a node that is new, of a type with those fields, the parent's. The links to its siblings are still to come.
 template <class Node>
-void appendFirst(xercesc::DOMParentNode& parent, Node& child)
+void own(xercesc::DOMParentNode& parent, Node& child)
 {
     child.fNode.fOwnerNode = parent.fContainingNode;
     child.fNode.isOwned(true);
+}
+
+/// Gives a new node to a parent without children.
+template <class Node>
+void appendFirst(xercesc::DOMParentNode& parent, Node& child)
+{
+    own(parent, child);
     parent.fFirstChild = &child;
     child.fNode.isFirstChild(true);
     child.fChild.previousSibling = &child;
 }
 
-/// Gives a node that is new, of a type with those fields, to a parent, behind its last child.
+/// Gives a new node to a parent, behind its last child.
 template <class Node>
 void appendLast(xercesc::DOMParentNode& parent, Node& child)
 {
@@ -89,8 +96,7 @@ void appendLast(xercesc::DOMParentNode& parent, Node& child)
         appendFirst(parent, child);
         return;
     }
-    child.fNode.fOwnerNode = parent.fContainingNode;
-    child.fNode.isOwned(true);
+    own(parent, child);
     // The last child is the previous sibling of the first one.
     xercesc::DOMNode*& last = siblingsOf(first, first->getNodeType()).previousSibling;
     siblingsOf(last, last->getNodeType()).nextSibling = &child;

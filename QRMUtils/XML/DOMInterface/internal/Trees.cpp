@@ -241,6 +241,13 @@ bool isText(const DOMNode* node)
     return node != nullptr && node->getNodeType() == DOMNode::TEXT_NODE;
 }
 
+/// Puts the text of the next node at the end and takes that node out of the tree.
+void takeInNext(DOMNode* parent, DOMNode* text, DOMNode* next)
+{
+    static_cast<xercesc::DOMText*>(text)->appendData(static_cast<xercesc::DOMText*>(next)->getData());
+    parent->removeChild(next);
+}
+
 /// Puts the text before the one behind it and takes its node out of the tree.
 void mergeIntoNext(DOMNode* parent, xercesc::DOMText* text, xercesc::DOMText* next)
 {
@@ -253,9 +260,8 @@ void mergeIntoNext(DOMNode* parent, xercesc::DOMText* text, xercesc::DOMText* ne
 
 /// Brings one node, without what is below, into normal form.
 /// @return the node to look at next, null for the one that was behind it
-DOMNode* normalizeAlone(xercesc::DOMDocument* document, DOMNode* parent, DOMNode* node)
+DOMNode* normalizeAlone(xercesc::DOMDocument* document, DOMNode* parent, DOMNode* node, DOMNode* next)
 {
-    DOMNode* const next = node->getNextSibling();
     switch (node->getNodeType()) {
     case DOMNode::ELEMENT_NODE: {
         const xercesc::DOMNamedNodeMap* const attributes = node->getAttributes();
@@ -285,8 +291,7 @@ DOMNode* normalizeAlone(xercesc::DOMDocument* document, DOMNode* parent, DOMNode
     }
     case DOMNode::TEXT_NODE:
         if (isText(next)) {
-            static_cast<xercesc::DOMText*>(node)->appendData(next->getNodeValue());
-            parent->removeChild(next);
+            takeInNext(parent, node, next);
             return node;
         }
         if (*dataOf(static_cast<xercesc::DOMText*>(node)) == 0) {
@@ -298,8 +303,8 @@ DOMNode* normalizeAlone(xercesc::DOMDocument* document, DOMNode* parent, DOMNode
 }
 
 /// Visits the children of the root and of all elements below, parents before children.
-/// @param visit gets parent and child, changes what is before the child or next to it, and gives the child to visit
-///        next; null for the one that followed before
+/// @param visit gets the parent, the child and its next sibling, changes what is before the child or next to it, and
+///        gives the child to visit next; null for the sibling that it got
 template <class Visit>
 void forEachChild(DOMNode* root, Visit&& visit)
 {
@@ -315,7 +320,7 @@ void forEachChild(DOMNode* root, Visit&& visit)
         }
         DOMNode* const next = nextSiblingOf(node, node->getNodeType());
         const bool isElement = node->getNodeType() == DOMNode::ELEMENT_NODE;
-        DOMNode* const again = visit(parent, node);
+        DOMNode* const again = visit(parent, node, next);
         if (isElement) {
             parent = node;
             node = node->getFirstChild();
@@ -385,21 +390,19 @@ DOMNode* makeEntityReference(xercesc::DOMDocument* document, const XMLCh* name)
 
 void normalizeTree(DOMNode* node)
 {
-    forEachChild(node, [](DOMNode* parent, DOMNode* child) -> DOMNode* {
-        DOMNode* const next = nextSiblingOf(child, child->getNodeType());
+    forEachChild(node, [](DOMNode* parent, DOMNode* child, DOMNode* next) -> DOMNode* {
         if (!isText(child) || !isText(next)) {
             return nullptr;
         }
-        static_cast<xercesc::DOMText*>(child)->appendData(static_cast<xercesc::DOMText*>(next)->getData());
-        parent->removeChild(next);
+        takeInNext(parent, child, next);
         return child;
     });
 }
 
 void normalizeWholeDocument(xercesc::DOMDocument* document)
 {
-    forEachChild(document, [document](DOMNode* parent, DOMNode* child) {
-        return normalizeAlone(document, parent, child);
+    forEachChild(document, [document](DOMNode* parent, DOMNode* child, DOMNode* next) {
+        return normalizeAlone(document, parent, child, next);
     });
 }
 
@@ -433,7 +436,7 @@ void releaseTree(DOMNode* node)
 void makeReadOnly(DOMNode* node)
 {
     makeReadOnlyAlone(node);
-    forEachChild(node, [](DOMNode* /*parent*/, DOMNode* child) -> DOMNode* {
+    forEachChild(node, [](DOMNode* /*parent*/, DOMNode* child, DOMNode* /*next*/) -> DOMNode* {
         if (child->getNodeType() != DOMNode::ENTITY_REFERENCE_NODE) {
             makeReadOnlyAlone(child);
         }
